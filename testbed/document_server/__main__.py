@@ -1,0 +1,126 @@
+"""The command line: starts the server, says where it listens and serves until it is told to end."""
+
+import argparse
+import os
+import signal
+import sys
+import textwrap
+import threading
+from collections.abc import Iterator
+from contextlib import contextmanager
+from pathlib import Path
+
+if not __package__:
+    # Run as a folder, which the interpreter has put on the path: the package is found one folder further up.
+    sys.path[0] = str(Path(__file__).resolve().parent.parent)
+
+from document_server.certificate import CertificateError, self_signed_context
+from document_server.request_log import RequestLog
+from document_server.routes import ROUTES, respond
+from document_server.server import HOST, Server
+from document_server.site import Site
+
+PROGRAM = "document_server"
+END_SIGNALS = (signal.SIGTERM, signal.SIGINT)
+PARENT_CHECK_SECONDS = 0.2
+
+
+def port_number(text: str) -> int:
+    """The value of --port."""
+    if not text.isascii() or not text.isdigit() or len(text) > 5 or int(text) > 65535:
+        raise argparse.ArgumentTypeError(f"{text!r} is not a number from 0 to 65535")
+    return int(text)
+
+
+def header_text(text: str) -> str:
+    """The value of an option that ends up in a header."""
+    if not text.isprintable():
+        raise argparse.ArgumentTypeError("control characters are not allowed")
+    return text
+
+
+def user_name(text: str) -> str:
+    """The value of --user."""
+    if ":" in text:
+        raise argparse.ArgumentTypeError("Basic authentication cannot carry a user name with a colon")
+    return text
+
+
+def url_table() -> str:
+    """The URLs of the server with what each of them does, for --help."""
+    lines = ["URLs (words in capitals stand for a value, '...' for anything):"]
+    for route in ROUTES:
+        methods = "" if route.methods == ("GET", "HEAD") else f"   [{', '.join(route.methods)}]"
+        lines.append(f"\n  {route.pattern}{methods}")
+        lines.append(textwrap.fill(route.summary, 94, initial_indent="      ", subsequent_indent="      "))
+    return "\n".join(lines)
+
+
+def command_line() -> argparse.ArgumentParser:
+    """The options of the program."""
+    parser = argparse.ArgumentParser(
+        prog=PROGRAM, formatter_class=argparse.RawDescriptionHelpFormatter, epilog=url_table(),
+        description=f"A document server for tests and demos. It listens on {HOST} only, prints one line\n"
+                    "with its address and serves until SIGTERM or SIGINT.")
+    parser.add_argument("--port", type=port_number, default=0, metavar="N",
+                        help="port to listen on; 0, the default, takes any free one")
+    parser.add_argument("--user", type=user_name, default="anna", help="user name (default: %(default)s)")
+    parser.add_argument("--password", default="kelda-demo",
+                        help="the user's password (default: %(default)s)")
+    parser.add_argument("--realm", type=header_text, default="kelda documents",
+                        help="realm of the challenges (default: %(default)s)")
+    parser.add_argument("--log", type=Path, metavar="FILE",
+                        help="append one line with a JSON object to FILE for every request")
+    parser.add_argument("--tls", action="store_true",
+                        help="serve https with a self-signed certificate for localhost, made on the spot")
+    parser.add_argument("--exit-with-parent", action="store_true",
+                        help="end as well when the process that started this one has ended")
+    return parser
+
+
+@contextmanager
+def reported(failure: str) -> Iterator[None]:
+    """Turns what goes wrong inside into one line on stderr and exit status 1."""
+    try:
+        yield
+    except (OSError, CertificateError) as error:
+        print(f"{PROGRAM}: {failure}: {getattr(error, 'strerror', None) or error}", file=sys.stderr)
+        sys.exit(1)
+
+
+def open_server(options: argparse.Namespace) -> Server:
+    """A server that accepts connections; nobody answers them yet."""
+    with reported(f"cannot write the log {options.log}"):
+        log = RequestLog(options.log)
+    with reported("cannot make a certificate"):
+        tls = self_signed_context() if options.tls else None
+    site = Site(options.user, options.password, options.realm, secure=options.tls, log=log)
+    with reported(f"cannot listen on {HOST}:{options.port}"):
+        return Server(options.port, site, respond, tls)
+
+
+def wait_for_end(parent: int | None) -> None:
+    """Returns when a signal asks for the end or, if its process id is given, when the parent is gone."""
+    if parent is None:
+        signal.sigwait(END_SIGNALS)
+        return
+    while os.getppid() == parent and signal.sigtimedwait(END_SIGNALS, PARENT_CHECK_SECONDS) is None:
+        pass
+
+
+def main() -> int:
+    """Runs the program; the result is its exit status."""
+    parent = os.getppid()
+    options = command_line().parse_args()
+    # Blocked before the first thread starts, for threads inherit that: only wait_for_end() sees the signals.
+    signal.pthread_sigmask(signal.SIG_BLOCK, END_SIGNALS)
+    server = open_server(options)
+    # This thread and those of the connections are daemons: they end with the process, whatever they wait for.
+    threading.Thread(target=server.serve_forever, name="accept", daemon=True).start()
+    print(f"listening on {server.url}", flush=True)
+    wait_for_end(parent if options.exit_with_parent else None)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
