@@ -15,8 +15,8 @@ namespace host_reference {
 using TraceSink = void (*)(void* context, const char* module, const char* component, dp::TraceType type,
                            const char* text);
 
-/// Sends trace lines to `sink` as well, until it is replaced; null stops that. The previous sink may still be in a call on
-/// another thread when this returns.
+/// Sends trace lines to `sink` as well, until it is replaced; null stops that. The previous sink may still be in a call
+/// on another thread when this returns.
 HOST_UTILITY_API void SetTraceSink(TraceSink sink, void* context);
 
 /// Appends trace lines to a file from now on, instead of stderr; others may read it meanwhile. Null or empty: to stderr

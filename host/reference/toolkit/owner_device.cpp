@@ -1,0 +1,97 @@
+// A plain top-level window as a device: what stands in for the host's main window.
+#include <windows.h>
+
+#include <memory>
+#include <new>
+
+#include "host_reference/device.h"
+#include "toolkit/device_registry.h"
+#include "toolkit/results.h"
+
+namespace host_reference {
+
+namespace {
+
+constexpr const wchar_t* kWindowClassName = L"HostReferenceOwnerDevice";
+constexpr int kWidth = 640;
+constexpr int kHeight = 480;
+
+struct WindowDestroyer {
+    void operator()(HWND window) const noexcept { DestroyWindow(window); }
+};
+using UniqueWindow = std::unique_ptr<HWND__, WindowDestroyer>;
+
+LRESULT CALLBACK OwnerWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    // The last message that a window gets, whichever way it goes: destroyed by us or closed by the user.
+    if (message == WM_NCDESTROY) {
+        DeviceRegistry::Instance().Forget(window);
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+// The class keeps the address of our procedure until the process ends, so this module has to stay as long.
+HMODULE PinnedModule() {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                       kWindowClassName, &module);
+    return module;
+}
+
+bool RegisterOwnerClass(HMODULE module) {
+    WNDCLASSEXW windowClass = {};
+    windowClass.cbSize = sizeof(windowClass);
+    windowClass.lpfnWndProc = OwnerWindowProcedure;
+    windowClass.hInstance = module;
+    windowClass.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    windowClass.hbrBackground = GetSysColorBrush(COLOR_WINDOW);
+    windowClass.lpszClassName = kWindowClassName;
+    return RegisterClassExW(&windowClass) != 0;
+}
+
+UniqueWindow CreateOwnerWindow(const wchar_t* title) {
+    static HMODULE module = PinnedModule();
+    static const bool registered = RegisterOwnerClass(module);
+    if (!registered) {
+        return nullptr;
+    }
+    return UniqueWindow(CreateWindowExW(0, kWindowClassName, title, WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
+                                        CW_USEDEFAULT, kWidth, kHeight, nullptr, nullptr, module, nullptr));
+}
+
+} // namespace
+
+int CreateOwnerDevice(const char* name, const wchar_t* title) {
+    if (name == nullptr || *name == '\0') {
+        return kMissingArgument;
+    }
+    DeviceRegistry& registry = DeviceRegistry::Instance();
+    if (registry.Find(name) != nullptr) {
+        return kNameTaken;
+    }
+    UniqueWindow window = CreateOwnerWindow(title);
+    if (!window) {
+        return kSystemRefused;
+    }
+    try {
+        registry.Add(name, window.get());
+    } catch (const std::bad_alloc&) {
+        return kOutOfMemory;
+    }
+    // From here on the window belongs to itself: it goes when it is closed or its device is destroyed.
+    ShowWindow(window.release(), SW_SHOWNORMAL);
+    return kSuccess;
+}
+
+int DestroyOwnerDevice(const char* name) {
+    if (name == nullptr) {
+        return kMissingArgument;
+    }
+    HWND window = DeviceRegistry::Instance().Find(name);
+    if (window == nullptr) {
+        return kUnknownDevice;
+    }
+    return DestroyWindow(window) != FALSE ? kSuccess : kSystemRefused;
+}
+
+} // namespace host_reference
