@@ -6,9 +6,6 @@ readonly BUILD_DIR=$PWD/build/mingw-release
 readonly LOG_DIR=$PWD/build/logs
 readonly BIN_DIR=$BUILD_DIR/bin
 export WINEPREFIX=$PWD/build/wine
-export WINEDEBUG=-all
-# Neither the .NET nor the HTML engine is needed; without this Wine would offer to download them.
-export WINEDLLOVERRIDES='mscoree=;mshtml='
 
 readonly COMMON_PACKAGES=(
     cmake ninja-build g++-mingw-w64-x86-64-posix nlohmann-json3-dev
@@ -99,8 +96,9 @@ prepare_wine_prefix() {
     else
         stage_done "there"
     fi
-    # Kept running until the end: every program start is quicker for it.
+    # Kept running until the end, with its services: every program start is quicker for it.
     logged wineserver wineserver_of_prefix --persistent
+    logged wine-services tools/run-in-wine wineboot
 }
 
 # The package puts the server beside the loader, not on the PATH.

@@ -18,7 +18,7 @@ namespace kelda {
 
 /// What one probe of the server has found out. The values are fixed: hosts compare and store them.
 enum class AuthenticationStatus : std::int32_t {
-    None = 0,              ///< Nothing was decided: the request never got as far as an HTTP answer.
+    None = 0,              ///< Nothing was decided: the request could not be set up, or ended without a word.
     FormBasedRequired = 1, ///< HTTP 200 without a challenge: the server authenticates by a web login form.
     Authenticated = 2,     ///< Credentials were given at the prompt, and the server then answered HTTP 200.
     Failed = 3,            ///< The request failed, or was answered with a status other than 200 and 401.
@@ -28,25 +28,28 @@ enum class AuthenticationStatus : std::int32_t {
 
 /// Gets the calling process authenticated against a server, asking the user where it must.
 ///
-/// Probes `serverUrl` + `urlPath` with one HTTP GET. A server that challenges for Basic credentials gets what the
+/// Probes `serverUrl` + `urlPath` with an HTTP GET. A server that challenges for Basic credentials gets what the
 /// user enters at the system's credential prompt.
 ///
 /// @param promptText   First line of the credential prompt's message.
 /// @param captionText  Caption of the credential prompt.
-/// @param ownerDevice  Name of the host UI toolkit's device that owns the operation. Must not be null.
+/// @param ownerDevice  Name (UTF-8) of the host UI toolkit's device that owns the operation. Must not be null. A name
+///                     that the toolkit does not know is no error: the desktop's window takes the device's place.
 /// @param serverUrl    Address of the server, UTF-8. Must not be null. Also the name under which the user's answer is
 ///                     kept in the Windows credential store, character by character: the same server with and without
 ///                     a trailing slash are two entries.
 /// @param urlPath      Appended to `serverUrl` as it is, UTF-8, no separator added; null means nothing is appended.
 ///
-/// @return true when the server accepts the user. false means that it does not: the request failed, the user
-///         cancelled, the server refused the credentials, or it wants its web login form filled in, which this
-///         version does not show yet. The reason is in the host's trace, module "kelda".
+/// @return true when the user gave credentials and the server accepted them. Else false: the request failed, the user
+///         cancelled, the server refused the credentials, or it answered without asking for any. The last is taken as
+///         the sign of a web login form, which this version does not show yet. It is also what a server's answer looks
+///         like once this process is authenticated, as the system then sends the credentials by itself: call it once.
+///         The trace, module "kelda", tells more.
 ///
 /// Threading: call it on the host's UI thread, with COM initialised there as a single-threaded apartment. It returns
-/// when all is decided; prompts pump window messages meanwhile.
+/// when all is decided. Prompts pump window messages meanwhile; do not call it again from there.
 /// Ownership: all arguments stay the caller's and are not kept.
-/// Errors: failing system calls never throw. `std::bad_alloc` leaves it when memory runs out.
+/// Errors: failing system calls never throw. Exceptions of the standard library, `std::bad_alloc` above all, leave it.
 KELDA_API bool AuthenticateServer(const std::wstring& promptText, const std::wstring& captionText,
                                   const char* ownerDevice, const char* serverUrl, const char* urlPath);
 
@@ -54,8 +57,7 @@ KELDA_API bool AuthenticateServer(const std::wstring& promptText, const std::wst
 ///
 /// Arguments, threading, ownership and errors are those of `AuthenticateServer`; an empty `urlPath` appends nothing.
 ///
-/// @return What the server's answers amount to. `None` and `Failed` differ in how far the request got; the trace
-///         says more.
+/// @return What the server's answers amount to. The trace tells more.
 KELDA_API AuthenticationStatus ApplyBasicAuthentication(const std::wstring& promptText,
                                                         const std::wstring& captionText,
                                                         const std::string& ownerDevice,

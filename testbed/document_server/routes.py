@@ -70,6 +70,11 @@ def redirect_basic(exchange: Exchange) -> None:
     _redirect(exchange, "/basic/")
 
 
+def redirect_forbidden(exchange: Exchange) -> None:
+    """302 to /forbidden."""
+    _redirect(exchange, "/forbidden")
+
+
 def redirect_loop(exchange: Exchange) -> None:
     """302 to itself."""
     _redirect(exchange, exchange.target)
@@ -160,6 +165,7 @@ ROUTES = (
     Route("/mixed/documents/NAME", mixed_document),
     Route("/redirect/form", redirect_form),
     Route("/redirect/basic", redirect_basic),
+    Route("/redirect/forbidden", redirect_forbidden),
     Route("/redirect/loop", redirect_loop),
     Route("/status/CODE", status),
     Route("/forbidden", forbidden),

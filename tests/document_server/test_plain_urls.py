@@ -38,8 +38,9 @@ class PlainUrls(ServerTest):
         self.assertEqual(fetch(self.server, "/forbidden").status, 403)
         self.assertEqual(fetch(self.server, "/forbidden", headers=basic()).status, 403)
 
-    def test_redirects_lead_to_the_form_to_basic_and_to_themselves(self) -> None:
+    def test_redirects_lead_where_their_names_say(self) -> None:
         for path, location in (("/redirect/form", "/login/form"), ("/redirect/basic", "/basic/"),
+                               ("/redirect/forbidden", "/forbidden"),
                                ("/redirect/loop", "/redirect/loop"),
                                ("/redirect/loop?a=1", "/redirect/loop?a=1")):
             with self.subTest(path):

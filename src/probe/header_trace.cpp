@@ -1,0 +1,51 @@
+// Tracing of a probe's HTTP headers.
+#include "probe/header_trace.h"
+
+#include <cstring>
+#include <string>
+
+#include <wininet.h>
+
+#include "du/string_utilities.h"
+#include "support/implementation_words.h"
+#include "support/trace.h"
+
+namespace kelda {
+namespace {
+
+/// True for a header whose value lets whoever reads it log in as the user.
+bool HoldsCredentials(const std::string& line) {
+    const std::string name = line.substr(0, line.find(':'));
+    return _stricmp(name.c_str(), "Authorization") == 0 || _stricmp(name.c_str(), "Proxy-Authorization") == 0;
+}
+
+/// The line as it is traced: credentials are left out.
+std::string Traceable(const std::string& line) {
+    return HoldsCredentials(line) ? line.substr(0, line.find(':')) + ": (not traced)" : line;
+}
+
+void TraceHeaders(IWinInetHttpInfo& info, const char* kind, DWORD option) {
+    DWORD size = 0;
+    if (FAILED(info.QueryInfo(option, nullptr, &size, nullptr, nullptr))) {
+        kBasicAuthenticationTrace.Info() << "Unable to retrieve headers";
+        return;
+    }
+    std::string headers(size, '\0'); // 8-bit text, the terminator may or may not be counted
+    info.QueryInfo(option, headers.data(), &size, nullptr, nullptr);
+    kBasicAuthenticationTrace.Info() << kind << " headers:";
+    for (const std::string& line : du::StringSplit(headers.c_str(), "\r\n")) {
+        kBasicAuthenticationTrace.Info() << Traceable(line);
+    }
+}
+
+} // namespace
+
+void TraceHttpHeaders(IWinInetHttpInfo& info) {
+    if (!ImplementationWordGiven("trace")) {
+        return;
+    }
+    TraceHeaders(info, "Request", HTTP_QUERY_RAW_HEADERS_CRLF | HTTP_QUERY_FLAG_REQUEST_HEADERS);
+    TraceHeaders(info, "Response", HTTP_QUERY_RAW_HEADERS_CRLF);
+}
+
+} // namespace kelda

@@ -1,0 +1,62 @@
+// One list of what happened in a test.
+#include "tests/support/transcript.h"
+
+#include <array>
+#include <cstdio>
+#include <string_view>
+#include <utility>
+
+#include "host_reference/tracing.h"
+
+namespace test_support {
+namespace {
+
+Lines& Entries() {
+    static Lines entries;
+    return entries;
+}
+
+void RecordTrace(void* /*context*/, const char* module, const char* component, dp::TraceType type,
+                 const char* text) {
+    std::string entry = "[" + std::to_string(static_cast<int>(type)) + "] " + text;
+    if (std::string_view(module) != "kelda" || std::string_view(component) != "ZanBasicAuthentication") {
+        entry += std::string(" (") + module + "/" + component + ")";
+    }
+    Record(std::move(entry));
+}
+
+} // namespace
+
+void Record(std::string entry) {
+    Entries().push_back(std::move(entry));
+}
+
+std::string Hexadecimal(unsigned long value) {
+    std::array<char, 16> text{};
+    std::snprintf(text.data(), text.size(), "0x%08lX", value);
+    return text.data();
+}
+
+TranscriptTest::TranscriptTest() : livingAtStart_(LiveFake::Count()) {
+    Entries().clear();
+    host_reference::SetTraceOutputEnabled(false);
+    host_reference::SetTraceSink(&RecordTrace, nullptr);
+}
+
+TranscriptTest::~TranscriptTest() {
+    host_reference::SetTraceSink(nullptr, nullptr);
+    // Here and not in TearDown: the fixture's own members are gone by now.
+    EXPECT_EQ(LiveFake::Count(), livingAtStart_) << "a fake was not released";
+}
+
+Lines TranscriptTest::TakeTranscript() {
+    return std::exchange(Entries(), {});
+}
+
+Lines TranscriptTest::TakeTraceLines() {
+    Lines lines = TakeTranscript();
+    std::erase_if(lines, [](const std::string& line) { return !line.starts_with('['); });
+    return lines;
+}
+
+} // namespace test_support

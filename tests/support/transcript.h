@@ -1,0 +1,50 @@
+// One list of what happened in a test, in order: calls of fakes and replaced system functions, and trace lines.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace test_support {
+
+using Lines = std::vector<std::string>;
+
+/// Adds an entry to the running test's transcript.
+void Record(std::string entry);
+
+/// "0x" and eight hexadecimal digits.
+std::string Hexadecimal(unsigned long value);
+
+/// Counts the fakes that are alive; each fake holds one.
+class LiveFake {
+  public:
+    LiveFake() { ++count; }
+    ~LiveFake() { --count; }
+    LiveFake(const LiveFake&) = delete;
+    LiveFake& operator=(const LiveFake&) = delete;
+    static int Count() { return count; }
+
+  private:
+    static inline int count = 0;
+};
+
+/// Starts with an empty transcript, to which trace lines go as "[type] text", and fails a test that leaves a fake alive.
+class TranscriptTest : public ::testing::Test {
+  protected:
+    TranscriptTest();
+    ~TranscriptTest() override;
+    TranscriptTest(const TranscriptTest&) = delete;
+    TranscriptTest& operator=(const TranscriptTest&) = delete;
+
+    /// What has been recorded since the test began, or since the last call.
+    static Lines TakeTranscript();
+
+    /// Only the trace lines of it.
+    static Lines TakeTraceLines();
+
+  private:
+    int livingAtStart_;
+};
+
+} // namespace test_support
