@@ -6,7 +6,7 @@ cd "$(dirname "$0")" || exit 1
 . tools/common.sh
 
 begin
-install_packages "${COMMON_PACKAGES[@]}" googletest clang-format clang-tidy cppcheck shellcheck pyflakes3
+install_packages "${COMMON_PACKAGES[@]}" clang-format clang-tidy cppcheck shellcheck pyflakes3
 build_targets all
 prepare_wine_prefix
 

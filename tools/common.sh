@@ -8,7 +8,7 @@ readonly BIN_DIR=$BUILD_DIR/bin
 export WINEPREFIX=$PWD/build/wine
 
 readonly COMMON_PACKAGES=(
-    cmake ninja-build g++-mingw-w64-x86-64-posix nlohmann-json3-dev
+    cmake ninja-build g++-mingw-w64-x86-64-posix nlohmann-json3-dev googletest
     wine wine64 fonts-wine fonts-liberation xvfb xdotool imagemagick
     python3 openssl procps
 )
