@@ -57,12 +57,12 @@ PYTHON
 begin
 install_packages "${COMMON_PACKAGES[@]}"
 build_targets viewer
+start_display
 prepare_wine_prefix
 
 rm -rf "$DEMO_DIR"
 mkdir -p "$DEMO_DIR"
-stage "Server and display"
-start_display
+stage "Document server"
 start_server
 stage_done "$server"
 

@@ -8,6 +8,7 @@ cd "$(dirname "$0")" || exit 1
 begin
 install_packages "${COMMON_PACKAGES[@]}" clang-format clang-tidy cppcheck shellcheck pyflakes3
 build_targets all
+start_display
 prepare_wine_prefix
 
 # Everything is a test of CTest, so that it is counted: the linters, the cases of the unit tests, the flow tests.
@@ -16,7 +17,6 @@ run_logged lint cmake --build --preset mingw-release --target lint -- -k 0
 stage_done
 
 stage "Tests"
-start_display
 rm -f "$LOG_DIR/test.xml"
 run_logged test ctest --preset mingw-release --parallel 2 --no-tests=error --output-junit "$LOG_DIR/test.xml"
 stage_done

@@ -9,7 +9,7 @@ export WINEPREFIX=$PWD/build/wine
 
 readonly COMMON_PACKAGES=(
     cmake ninja-build g++-mingw-w64-x86-64-posix nlohmann-json3-dev googletest
-    wine wine64 fonts-wine fonts-liberation xvfb xdotool imagemagick
+    wine wine64 libgnutls30 fonts-wine fonts-liberation xvfb xdotool imagemagick
     python3 openssl procps
 )
 
@@ -83,6 +83,7 @@ build_targets() {
     stage_done
 }
 
+# The display has to be there before: the desktop that Wine starts here is the one that all programs use.
 prepare_wine_prefix() {
     stage "Wine prefix"
     if [ ! -e "$WINEPREFIX/kelda-ready" ]; then

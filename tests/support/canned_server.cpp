@@ -6,6 +6,7 @@
 #include <charconv>
 #include <limits>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -121,10 +122,17 @@ class CannedServer::Connection {
 };
 
 CannedServer::CannedServer(Answerer answerer)
-    : answerer_(std::move(answerer)),
-      stopping_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
+    : answerer_(std::move(answerer)), stopping_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
       nextPiece_(CreateSemaphoreW(nullptr, 0, std::numeric_limits<LONG>::max(), nullptr)) {
     static const SocketLibrary library;
+    static std::set<std::uint16_t> used;
+    while (!used.insert(Listen()).second) {
+        closesocket(listener_);
+    }
+    acceptor_ = std::thread(&CannedServer::Accept, this);
+}
+
+std::uint16_t CannedServer::Listen() {
     listener_ = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -136,7 +144,7 @@ CannedServer::CannedServer(Answerer answerer)
         throw std::runtime_error("the canned server cannot listen");
     }
     port_ = ntohs(address.sin_port);
-    acceptor_ = std::thread(&CannedServer::Accept, this);
+    return port_;
 }
 
 CannedServer::~CannedServer() {

@@ -30,7 +30,8 @@ class CannedServer {
     /// a time.
     using Answerer = std::function<CannedAnswer(const std::string& request)>;
 
-    /// Listens on a free port from now on. Connections are kept open unless an answer says `Connection: close`.
+    /// Listens from now on, on a port that no other server of this process has had: WinINet keeps credentials by port.
+    /// Connections are kept open unless an answer says `Connection: close`.
     explicit CannedServer(Answerer answerer);
 
     /// Closes every connection and waits for the threads.
@@ -49,6 +50,7 @@ class CannedServer {
   private:
     class Connection;
 
+    std::uint16_t Listen();
     void Accept();
     void Serve(SOCKET socket);
     CannedAnswer AnswerTo(const std::string& request);
