@@ -26,7 +26,8 @@ class Image {
             return nullptr;
         }
         const auto& directory = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-        return directory.VirtualAddress == 0 ? nullptr : At<IMAGE_IMPORT_DESCRIPTOR>(directory.VirtualAddress);
+        return directory.VirtualAddress == 0 ? nullptr
+                                             : At<IMAGE_IMPORT_DESCRIPTOR>(directory.VirtualAddress);
     }
 
   private:

@@ -40,8 +40,8 @@ SecretText BasicAuthorizationLine(const OfferedCredentials& credentials) {
     SecretBytes pair(static_cast<std::size_t>(userSize) + static_cast<std::size_t>(passwordSize));
     WideCharToMultiByte(CP_UTF8, 0, credentials.userName.CStr(), -1, pair.Data(), userSize, nullptr, nullptr);
     pair.Data()[userSize - 1] = ':'; // in place of the terminator
-    WideCharToMultiByte(CP_UTF8, 0, credentials.password.CStr(), -1, pair.Data() + userSize, passwordSize, nullptr,
-                        nullptr);
+    WideCharToMultiByte(CP_UTF8, 0, credentials.password.CStr(), -1, pair.Data() + userSize, passwordSize,
+                        nullptr, nullptr);
 
     const auto* bytes = reinterpret_cast<const BYTE*>(pair.Data());
     const auto byteCount = static_cast<DWORD>(userSize + passwordSize - 1);

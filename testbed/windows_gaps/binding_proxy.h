@@ -30,7 +30,8 @@ class BindingProxy final : public ComObject<IBinding> {
     HRESULT STDMETHODCALLTYPE Resume() override { return attempt_->Resume(); }
     HRESULT STDMETHODCALLTYPE SetPriority(LONG priority) override { return attempt_->SetPriority(priority); }
     HRESULT STDMETHODCALLTYPE GetPriority(LONG* priority) override { return attempt_->GetPriority(priority); }
-    HRESULT STDMETHODCALLTYPE GetBindResult(CLSID* protocol, DWORD* result, LPOLESTR* text, DWORD* reserved) override;
+    HRESULT STDMETHODCALLTYPE GetBindResult(CLSID* protocol, DWORD* result, LPOLESTR* text,
+                                            DWORD* reserved) override;
 
   private:
     Microsoft::WRL::ComPtr<IBinding> attempt_;

@@ -50,7 +50,8 @@ std::wstring_view TakeElement(std::wstring_view& rest) {
 
 bool BeginsBasicChallenge(std::wstring_view element) {
     element = WithoutLeadingBlanks(element);
-    const auto end = std::ranges::find_if(element, [](wchar_t character) { return IsBlank(character) || character == L'='; });
+    const auto end = std::ranges::find_if(
+        element, [](wchar_t character) { return IsBlank(character) || character == L'='; });
     const auto wordLength = static_cast<std::size_t>(end - element.begin());
     return SameWord(element.substr(0, wordLength), L"basic") &&
            !WithoutLeadingBlanks(element.substr(wordLength)).starts_with(L'=');

@@ -27,24 +27,31 @@ class ChallengeMoniker final : public ComObject<IMoniker> {
         return real_->QueryInterface(iid, object);
     }
 
-    HRESULT STDMETHODCALLTYPE BindToStorage(IBindCtx* context, IMoniker* toLeft, REFIID iid, void** object) override {
+    HRESULT STDMETHODCALLTYPE BindToStorage(IBindCtx* context, IMoniker* toLeft, REFIID iid,
+                                            void** object) override {
         const ComPtr<IMoniker> real = real_; // the caller may release this object meanwhile
-        return context == nullptr || object == nullptr ? real->BindToStorage(context, toLeft, iid, object)
-                                                       : BindNegotiated(real.Get(), context, toLeft, iid, object);
+        return context == nullptr || object == nullptr
+                   ? real->BindToStorage(context, toLeft, iid, object)
+                   : BindNegotiated(real.Get(), context, toLeft, iid, object);
     }
 
     HRESULT STDMETHODCALLTYPE GetClassID(CLSID* id) override { return real_->GetClassID(id); }
     HRESULT STDMETHODCALLTYPE IsDirty() override { return real_->IsDirty(); }
     HRESULT STDMETHODCALLTYPE Load(IStream* stream) override { return real_->Load(stream); }
-    HRESULT STDMETHODCALLTYPE Save(IStream* stream, BOOL clearDirty) override { return real_->Save(stream, clearDirty); }
+    HRESULT STDMETHODCALLTYPE Save(IStream* stream, BOOL clearDirty) override {
+        return real_->Save(stream, clearDirty);
+    }
     HRESULT STDMETHODCALLTYPE GetSizeMax(ULARGE_INTEGER* size) override { return real_->GetSizeMax(size); }
-    HRESULT STDMETHODCALLTYPE BindToObject(IBindCtx* context, IMoniker* toLeft, REFIID iid, void** object) override {
+    HRESULT STDMETHODCALLTYPE BindToObject(IBindCtx* context, IMoniker* toLeft, REFIID iid,
+                                           void** object) override {
         return real_->BindToObject(context, toLeft, iid, object);
     }
-    HRESULT STDMETHODCALLTYPE Reduce(IBindCtx* context, DWORD howFar, IMoniker** toLeft, IMoniker** reduced) override {
+    HRESULT STDMETHODCALLTYPE Reduce(IBindCtx* context, DWORD howFar, IMoniker** toLeft,
+                                     IMoniker** reduced) override {
         return real_->Reduce(context, howFar, toLeft, reduced);
     }
-    HRESULT STDMETHODCALLTYPE ComposeWith(IMoniker* right, BOOL onlyIfNotGeneric, IMoniker** composite) override {
+    HRESULT STDMETHODCALLTYPE ComposeWith(IMoniker* right, BOOL onlyIfNotGeneric,
+                                          IMoniker** composite) override {
         return real_->ComposeWith(right, onlyIfNotGeneric, composite);
     }
     HRESULT STDMETHODCALLTYPE Enum(BOOL forward, IEnumMoniker** enumerator) override {
@@ -52,10 +59,12 @@ class ChallengeMoniker final : public ComObject<IMoniker> {
     }
     HRESULT STDMETHODCALLTYPE IsEqual(IMoniker* other) override { return real_->IsEqual(other); }
     HRESULT STDMETHODCALLTYPE Hash(DWORD* hash) override { return real_->Hash(hash); }
-    HRESULT STDMETHODCALLTYPE IsRunning(IBindCtx* context, IMoniker* toLeft, IMoniker* newlyRunning) override {
+    HRESULT STDMETHODCALLTYPE IsRunning(IBindCtx* context, IMoniker* toLeft,
+                                        IMoniker* newlyRunning) override {
         return real_->IsRunning(context, toLeft, newlyRunning);
     }
-    HRESULT STDMETHODCALLTYPE GetTimeOfLastChange(IBindCtx* context, IMoniker* toLeft, FILETIME* time) override {
+    HRESULT STDMETHODCALLTYPE GetTimeOfLastChange(IBindCtx* context, IMoniker* toLeft,
+                                                  FILETIME* time) override {
         return real_->GetTimeOfLastChange(context, toLeft, time);
     }
     HRESULT STDMETHODCALLTYPE Inverse(IMoniker** inverse) override { return real_->Inverse(inverse); }
@@ -68,8 +77,8 @@ class ChallengeMoniker final : public ComObject<IMoniker> {
     HRESULT STDMETHODCALLTYPE GetDisplayName(IBindCtx* context, IMoniker* toLeft, LPOLESTR* name) override {
         return real_->GetDisplayName(context, toLeft, name);
     }
-    HRESULT STDMETHODCALLTYPE ParseDisplayName(IBindCtx* context, IMoniker* toLeft, LPOLESTR name, ULONG* eaten,
-                                               IMoniker** result) override {
+    HRESULT STDMETHODCALLTYPE ParseDisplayName(IBindCtx* context, IMoniker* toLeft, LPOLESTR name,
+                                               ULONG* eaten, IMoniker** result) override {
         return real_->ParseDisplayName(context, toLeft, name, eaten, result);
     }
     HRESULT STDMETHODCALLTYPE IsSystemMoniker(DWORD* kind) override { return real_->IsSystemMoniker(kind); }

@@ -13,13 +13,14 @@ namespace windows_gaps {
 /// How many objects are alive.
 class LiveObject {
   public:
+    LiveObject(const LiveObject&) = delete;
+    LiveObject& operator=(const LiveObject&) = delete;
+
     static LONG Count() { return count; }
 
   protected:
     LiveObject() { ++count; }
     ~LiveObject() { --count; }
-    LiveObject(const LiveObject&) = delete;
-    LiveObject& operator=(const LiveObject&) = delete;
 
   private:
     static inline std::atomic<LONG> count = 0;

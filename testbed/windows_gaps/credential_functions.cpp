@@ -23,9 +23,7 @@ struct Wanted {
     DWORD* size;
     bool needsBuffer = true;
 
-    bool Fits() const {
-        return size == nullptr || (buffer == nullptr ? !needsBuffer : text.size() < *size);
-    }
+    bool Fits() const { return size == nullptr || (buffer == nullptr ? !needsBuffer : text.size() < *size); }
     void Measure() const {
         if (size != nullptr) {
             *size = static_cast<DWORD>(text.size() + 1);
@@ -40,11 +38,13 @@ struct Wanted {
 
 } // namespace
 
-BOOL WINAPI PackCredentials(DWORD /*flags*/, LPWSTR userName, LPWSTR password, PBYTE packed, DWORD* packedSize) try {
+BOOL WINAPI PackCredentials(DWORD /*flags*/, LPWSTR userName, LPWSTR password, PBYTE packed,
+                            DWORD* packedSize) try {
     if (userName == nullptr || password == nullptr || packedSize == nullptr) {
         return Fail(ERROR_INVALID_PARAMETER);
     }
-    const Credentials credentials{SecretText(std::wstring_view(userName)), SecretText(std::wstring_view(password))};
+    const Credentials credentials{SecretText(std::wstring_view(userName)),
+                                  SecretText(std::wstring_view(password))};
     const auto needed = static_cast<DWORD>(PackedSize(credentials));
     if (needed == 0) {
         return Fail(ERROR_INVALID_PARAMETER);
@@ -60,8 +60,9 @@ BOOL WINAPI PackCredentials(DWORD /*flags*/, LPWSTR userName, LPWSTR password, P
     return Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
-BOOL WINAPI UnpackCredentials(DWORD /*flags*/, PVOID packed, DWORD packedSize, LPWSTR userName, DWORD* maxUserName,
-                              LPWSTR domain, DWORD* maxDomain, LPWSTR password, DWORD* maxPassword) try {
+BOOL WINAPI UnpackCredentials(DWORD /*flags*/, PVOID packed, DWORD packedSize, LPWSTR userName,
+                              DWORD* maxUserName, LPWSTR domain, DWORD* maxDomain, LPWSTR password,
+                              DWORD* maxPassword) try {
     const auto credentials = Unpack(packed, packed == nullptr ? 0 : packedSize);
     if (!credentials) {
         return Fail(ERROR_NOT_SUPPORTED);

@@ -19,7 +19,8 @@ BOOL WINAPI PackCredentials(DWORD flags, LPWSTR userName, LPWSTR password, PBYTE
 ///        A text whose size is null is not asked for; an empty domain needs no buffer.
 /// @return FALSE with `ERROR_NOT_SUPPORTED` for what is no packed form, `ERROR_INSUFFICIENT_BUFFER` if a text does not fit;
 ///         then no text has been written.
-BOOL WINAPI UnpackCredentials(DWORD flags, PVOID packed, DWORD packedSize, LPWSTR userName, DWORD* maxUserName,
-                              LPWSTR domain, DWORD* maxDomain, LPWSTR password, DWORD* maxPassword);
+BOOL WINAPI UnpackCredentials(DWORD flags, PVOID packed, DWORD packedSize, LPWSTR userName,
+                              DWORD* maxUserName, LPWSTR domain, DWORD* maxDomain, LPWSTR password,
+                              DWORD* maxPassword);
 
 } // namespace windows_gaps

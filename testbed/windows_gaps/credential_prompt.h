@@ -15,6 +15,7 @@ namespace windows_gaps {
 /// @param save read and written only with `CREDUIWIN_CHECKBOX`, written only on success.
 /// @return 0, `ERROR_CANCELLED`, `ERROR_INVALID_PARAMETER`, or what a script or the failure to show the dialog gives.
 DWORD WINAPI PromptForCredentials(PCREDUI_INFOW info, DWORD authError, ULONG* authPackage, LPCVOID authBuffer,
-                                  ULONG authBufferSize, LPVOID* answer, ULONG* answerSize, BOOL* save, DWORD flags);
+                                  ULONG authBufferSize, LPVOID* answer, ULONG* answerSize, BOOL* save,
+                                  DWORD flags);
 
 } // namespace windows_gaps

@@ -41,12 +41,15 @@ class NegotiatingCallback final : public ComObject<IBindStatusCallbackEx, IHttpN
     HRESULT STDMETHODCALLTYPE OnStartBinding(DWORD reserved, IBinding* binding) override;
     HRESULT STDMETHODCALLTYPE GetPriority(LONG* priority) override;
     HRESULT STDMETHODCALLTYPE OnLowResource(DWORD reserved) override;
-    HRESULT STDMETHODCALLTYPE OnProgress(ULONG progress, ULONG progressMax, ULONG code, LPCWSTR text) override;
+    HRESULT STDMETHODCALLTYPE OnProgress(ULONG progress, ULONG progressMax, ULONG code,
+                                         LPCWSTR text) override;
     HRESULT STDMETHODCALLTYPE OnStopBinding(HRESULT result, LPCWSTR error) override;
     HRESULT STDMETHODCALLTYPE GetBindInfo(DWORD* flags, BINDINFO* info) override;
-    HRESULT STDMETHODCALLTYPE OnDataAvailable(DWORD flags, DWORD size, FORMATETC* format, STGMEDIUM* medium) override;
+    HRESULT STDMETHODCALLTYPE OnDataAvailable(DWORD flags, DWORD size, FORMATETC* format,
+                                              STGMEDIUM* medium) override;
     HRESULT STDMETHODCALLTYPE OnObjectAvailable(REFIID iid, IUnknown* object) override;
-    HRESULT STDMETHODCALLTYPE GetBindInfoEx(DWORD* flags, BINDINFO* info, DWORD* flags2, DWORD* reserved) override;
+    HRESULT STDMETHODCALLTYPE GetBindInfoEx(DWORD* flags, BINDINFO* info, DWORD* flags2,
+                                            DWORD* reserved) override;
 
     HRESULT STDMETHODCALLTYPE BeginningTransaction(LPCWSTR url, LPCWSTR headers, DWORD reserved,
                                                    LPWSTR* additionalHeaders) override;

@@ -12,8 +12,8 @@ namespace {
 
 thread_local const OfferedCredentials* pending = nullptr;
 
-HINTERNET WINAPI Connect(HINTERNET session, LPCWSTR server, INTERNET_PORT port, LPCWSTR userName, LPCWSTR password,
-                         DWORD service, DWORD flags, DWORD_PTR context) {
+HINTERNET WINAPI Connect(HINTERNET session, LPCWSTR server, INTERNET_PORT port, LPCWSTR userName,
+                         LPCWSTR password, DWORD service, DWORD flags, DWORD_PTR context) {
     // Whatever else is fetched on this thread meanwhile is none of their business.
     if (const OfferedCredentials* credentials = std::exchange(pending, nullptr); credentials != nullptr) {
         userName = credentials->userName.CStr();

@@ -21,7 +21,8 @@ RECT RectangleOf(HWND dialog, HWND control) {
 
 /// Moves every control below `top` by `distance` pixels, and the dialog's lower border with them.
 void MoveLowerPart(HWND dialog, LONG top, LONG distance) {
-    for (HWND control = GetWindow(dialog, GW_CHILD); control != nullptr; control = GetWindow(control, GW_HWNDNEXT)) {
+    for (HWND control = GetWindow(dialog, GW_CHILD); control != nullptr;
+         control = GetWindow(control, GW_HWNDNEXT)) {
         const RECT place = RectangleOf(dialog, control);
         if (place.top >= top) {
             SetWindowPos(control, nullptr, place.left, place.top + distance, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
@@ -39,9 +40,10 @@ void FitMessage(HWND dialog, const std::wstring& message) {
     const RECT place = RectangleOf(dialog, label);
     RECT needed = {0, 0, place.right - place.left, 0};
     HDC context = GetDC(label);
-    const HGDIOBJ formerFont =
+    void* const formerFont =
         SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(label, WM_GETFONT, 0, 0)));
-    DrawTextW(context, message.c_str(), -1, &needed, DT_CALCRECT | DT_WORDBREAK | DT_EXPANDTABS | DT_NOPREFIX);
+    DrawTextW(context, message.c_str(), -1, &needed,
+              DT_CALCRECT | DT_WORDBREAK | DT_EXPANDTABS | DT_NOPREFIX);
     SelectObject(context, formerFont);
     ReleaseDC(label, context);
 
@@ -88,7 +90,8 @@ void Initialise(HWND dialog, const PromptDialogContent& content) {
     Centre(dialog, content.parent);
 
     SetForegroundWindow(dialog);
-    HWND first = GetDlgItem(dialog, content.credentials.userName.View().empty() ? IDC_PROMPT_USER : IDC_PROMPT_PASSWORD);
+    HWND first = GetDlgItem(dialog, content.credentials.userName.View().empty() ? IDC_PROMPT_USER
+                                                                                : IDC_PROMPT_PASSWORD);
     SendMessageW(first, EM_SETSEL, 0, -1);
     SetFocus(first);
 }
@@ -159,8 +162,8 @@ HINSTANCE ThisModule() {
 } // namespace
 
 DWORD ShowPromptDialog(PromptDialogContent& content) {
-    const INT_PTR result = DialogBoxParamW(ThisModule(), MAKEINTRESOURCEW(IDD_CREDENTIAL_PROMPT), content.parent,
-                                           &OnMessage, reinterpret_cast<LPARAM>(&content));
+    const INT_PTR result = DialogBoxParamW(ThisModule(), MAKEINTRESOURCEW(IDD_CREDENTIAL_PROMPT),
+                                           content.parent, &OnMessage, reinterpret_cast<LPARAM>(&content));
     switch (result) {
     case IDOK:
         return ERROR_SUCCESS;

@@ -20,12 +20,15 @@ class SecretText {
     explicit SecretText(std::size_t capacity)
         : text_(std::make_unique<wchar_t[]>(capacity + 1)), size_(capacity + 1) {}
 
-    explicit SecretText(std::wstring_view text) : SecretText(text.size()) { std::ranges::copy(text, text_.get()); }
+    explicit SecretText(std::wstring_view text) : SecretText(text.size()) {
+        std::ranges::copy(text, text_.get());
+    }
 
     ~SecretText() { Wipe(); }
     SecretText(const SecretText&) = delete;
     SecretText& operator=(const SecretText&) = delete;
-    SecretText(SecretText&& other) noexcept : text_(std::move(other.text_)), size_(std::exchange(other.size_, 0)) {}
+    SecretText(SecretText&& other) noexcept
+        : text_(std::move(other.text_)), size_(std::exchange(other.size_, 0)) {}
     SecretText& operator=(SecretText&& other) noexcept {
         Wipe();
         text_ = std::move(other.text_);
@@ -38,7 +41,9 @@ class SecretText {
     std::size_t Size() const { return size_; }
 
     /// The characters before the terminator; valid until this object changes.
-    std::wstring_view View() const { return text_ == nullptr ? std::wstring_view() : std::wstring_view(text_.get()); }
+    std::wstring_view View() const {
+        return text_ == nullptr ? std::wstring_view() : std::wstring_view(text_.get());
+    }
 
     /// The same, terminated.
     const wchar_t* CStr() const { return text_ == nullptr ? L"" : text_.get(); }

@@ -13,17 +13,18 @@ namespace windows_gaps {
 /// Characters that are no Unicode come out as U+FFFD.
 inline std::string ToUtf8(std::wstring_view text) {
     const int length = static_cast<int>(text.size());
-    std::string result(
-        static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)),
-        '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, result.data(), static_cast<int>(result.size()), nullptr,
-                        nullptr);
+    std::string result(static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr,
+                                                                    0, nullptr, nullptr)),
+                       '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, result.data(), static_cast<int>(result.size()),
+                        nullptr, nullptr);
     return result;
 }
 
 inline SecretText FromUtf8(std::string_view text) {
     const int length = static_cast<int>(text.size());
-    SecretText result(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0)));
+    SecretText result(
+        static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0)));
     MultiByteToWideChar(CP_UTF8, 0, text.data(), length, result.Data(), static_cast<int>(result.Size()));
     return result;
 }

@@ -59,8 +59,8 @@ BOOL WINAPI WindowsGapsPackCredentials(DWORD flags, LPWSTR userName, LPWSTR pass
 BOOL WINAPI WindowsGapsUnpackCredentials(DWORD flags, PVOID packed, DWORD packedSize, LPWSTR userName,
                                          DWORD* maxUserName, LPWSTR domain, DWORD* maxDomain, LPWSTR password,
                                          DWORD* maxPassword) {
-    return windows_gaps::UnpackCredentials(flags, packed, packedSize, userName, maxUserName, domain, maxDomain, password,
-                                           maxPassword);
+    return windows_gaps::UnpackCredentials(flags, packed, packedSize, userName, maxUserName, domain,
+                                           maxDomain, password, maxPassword);
 }
 
 LONG WindowsGapsLiveObjects() {

@@ -21,13 +21,14 @@ extern "C" {
 WINDOWS_GAPS_API bool SupplyWindowsGaps(HMODULE module);
 
 /// What modules that were supplied get as `CredPackAuthenticationBufferW`, for those that were not. `flags` is ignored.
-WINDOWS_GAPS_API BOOL WINAPI WindowsGapsPackCredentials(DWORD flags, LPWSTR userName, LPWSTR password, PBYTE packed,
-                                                        DWORD* packedSize);
+WINDOWS_GAPS_API BOOL WINAPI WindowsGapsPackCredentials(DWORD flags, LPWSTR userName, LPWSTR password,
+                                                        PBYTE packed, DWORD* packedSize);
 
 /// What modules that were supplied get as `CredUnPackAuthenticationBufferW`, for those that were not.
-WINDOWS_GAPS_API BOOL WINAPI WindowsGapsUnpackCredentials(DWORD flags, PVOID packed, DWORD packedSize, LPWSTR userName,
-                                                          DWORD* maxUserName, LPWSTR domain, DWORD* maxDomain,
-                                                          LPWSTR password, DWORD* maxPassword);
+WINDOWS_GAPS_API BOOL WINAPI WindowsGapsUnpackCredentials(DWORD flags, PVOID packed, DWORD packedSize,
+                                                          LPWSTR userName, DWORD* maxUserName, LPWSTR domain,
+                                                          DWORD* maxDomain, LPWSTR password,
+                                                          DWORD* maxPassword);
 
 /// How many COM objects of windows_gaps.dll are alive in this process. Tests look for leaks with it.
 WINDOWS_GAPS_API LONG WindowsGapsLiveObjects();

@@ -122,7 +122,8 @@ class CannedServer::Connection {
 };
 
 CannedServer::CannedServer(Answerer answerer)
-    : answerer_(std::move(answerer)), stopping_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
+    : answerer_(std::move(answerer)),
+      stopping_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
       nextPiece_(CreateSemaphoreW(nullptr, 0, std::numeric_limits<LONG>::max(), nullptr)) {
     static const SocketLibrary library;
     static std::set<std::uint16_t> used;

@@ -312,7 +312,7 @@ TEST_F(Challenge, CredentialsAreHandedOverInBlocksOfTheirLengthAndATerminator) {
             return decltype(allocate)::Original(size);
         });
     EXPECT_EQ(Authenticate(), S_OK);
-    EXPECT_EQ(sizes, (std::vector<SIZE_T>{(4 + 1) * 2, (6 + 1) * 2}));
+    EXPECT_EQ(sizes, (std::vector<SIZE_T>{10, 14}));
 }
 
 TEST_F(Challenge, WithoutMemoryForTheCredentialsTheStackGetsNone) {

@@ -28,8 +28,11 @@ Lines After(Lines start, const Lines& rest) {
 
 /// Answers whose body is whole, empty, large, or not coming at all.
 std::vector<CannedAnswer> BodiesOf(int status, const std::string& headers) {
-    return {Answer(status, headers, "a body"), Answer(status, headers, ""), Answer(status, headers, std::string(300'000, 'x')),
-            CannedAnswer{"HTTP/1.1 " + std::to_string(status) + " No\r\nContent-Length: 9\r\n" + headers + "\r\n", "too late!"}};
+    return {
+        Answer(status, headers, "a body"), Answer(status, headers, ""),
+        Answer(status, headers, std::string(300'000, 'x')),
+        CannedAnswer{"HTTP/1.1 " + std::to_string(status) + " No\r\nContent-Length: 9\r\n" + headers + "\r\n",
+                     "too late!"}};
 }
 
 using BindOutcome = BindTest;
@@ -41,7 +44,8 @@ TEST_F(BindOutcome, OfARefusedAnswerIsTheRefusal) {
 
         EXPECT_EQ(Bind(server.Url(), caller_.Get()), E_ABORT);
 
-        EXPECT_EQ(TakeTranscript(), After(kStart, {"OnResponse 403", "OnStopBinding 0x80004004", "BindToStorage 0x80004004"}));
+        EXPECT_EQ(TakeTranscript(),
+                  After(kStart, {"OnResponse 403", "OnStopBinding 0x80004004", "BindToStorage 0x80004004"}));
     }
 }
 
@@ -51,7 +55,8 @@ TEST_F(BindOutcome, KeepsTheCodeOfTheRefusal) {
 
     Bind(server.Url(), caller_.Get());
 
-    EXPECT_EQ(TakeTranscript(), After(kStart, {"OnResponse 200", "OnStopBinding 0x800C000C", "BindToStorage 0x800C000C"}));
+    EXPECT_EQ(TakeTranscript(),
+              After(kStart, {"OnResponse 200", "OnStopBinding 0x800C000C", "BindToStorage 0x800C000C"}));
 }
 
 TEST_F(BindOutcome, OfARefusedFinalChallengeIsTheRefusal) {
@@ -61,7 +66,8 @@ TEST_F(BindOutcome, OfARefusedFinalChallengeIsTheRefusal) {
 
     Bind(server.Url(), caller_.Get());
 
-    EXPECT_EQ(TakeTranscript(), After(kStart, {"Authenticate", "OnResponse 401", "OnStopBinding 0x80004004", "BindToStorage 0x80004004"}));
+    EXPECT_EQ(TakeTranscript(), After(kStart, {"Authenticate", "OnResponse 401", "OnStopBinding 0x80004004",
+                                               "BindToStorage 0x80004004"}));
 }
 
 TEST_F(BindOutcome, OfAFailedQuestionIsItsFailure) {
@@ -71,7 +77,8 @@ TEST_F(BindOutcome, OfAFailedQuestionIsItsFailure) {
 
         EXPECT_EQ(Bind(server.Url(), caller_.Get()), E_INVALIDARG);
 
-        EXPECT_EQ(TakeTranscript(), After(kStart, {"Authenticate", "OnStopBinding 0x80070057", "BindToStorage 0x80070057"}));
+        EXPECT_EQ(TakeTranscript(),
+                  After(kStart, {"Authenticate", "OnStopBinding 0x80070057", "BindToStorage 0x80070057"}));
         EXPECT_EQ(server.Requests().size(), 1U);
     }
 }
@@ -82,7 +89,8 @@ TEST_F(BindOutcome, OfASecondFailedQuestionIsItsFailure) {
 
     Bind(server.Url(), caller_.Get());
 
-    EXPECT_EQ(TakeTranscript(), After(kStart, {"Authenticate", "Authenticate", "OnStopBinding 0x80070057", "BindToStorage 0x80070057"}));
+    EXPECT_EQ(TakeTranscript(), After(kStart, {"Authenticate", "Authenticate", "OnStopBinding 0x80070057",
+                                               "BindToStorage 0x80070057"}));
 }
 
 TEST_F(BindOutcome, IsAnAbortWhereTheCallerAbortsWhileItIsAsked) {
@@ -92,7 +100,8 @@ TEST_F(BindOutcome, IsAnAbortWhereTheCallerAbortsWhileItIsAsked) {
 
     Bind(server.Url(), caller_.Get());
 
-    EXPECT_EQ(TakeTranscript(), After(kStart, {"Authenticate", "OnStopBinding 0x80004004", "BindToStorage 0x80004004"}));
+    EXPECT_EQ(TakeTranscript(),
+              After(kStart, {"Authenticate", "OnStopBinding 0x80004004", "BindToStorage 0x80004004"}));
     EXPECT_EQ(server.Requests().size(), 1U);
 }
 
@@ -103,8 +112,8 @@ TEST_F(BindOutcome, OfALongBodyIsAllOfItHoweverTheReadsEnd) {
     const std::string body(300'000, 'x');
     for (const auto& result : results) {
         CannedServer server([&](const std::string&) {
-            return CannedAnswer{"HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
-                                    body.substr(0, 100'000),
+            return CannedAnswer{"HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body.size()) +
+                                    "\r\n\r\n" + body.substr(0, 100'000),
                                 body.substr(100'000, 100'000), body.substr(200'000)};
         });
         caller_->onData = [&] { server.SendNextPiece(); };
@@ -125,7 +134,8 @@ TEST_F(BindOutcome, OfARefusedBodyIsTheRefusal) {
 
     Bind(server.Url(), caller_.Get());
 
-    EXPECT_EQ(TakeTranscript(), After(kStart, {"OnResponse 200", "OnDataAvailable, read 6 so far", "OnStopBinding 0x80004004", "BindToStorage 0x80004004"}));
+    EXPECT_EQ(TakeTranscript(), After(kStart, {"OnResponse 200", "OnDataAvailable, read 6 so far",
+                                               "OnStopBinding 0x80004004", "BindToStorage 0x80004004"}));
 }
 
 TEST_F(BindOutcome, TellsTheStatusByTheBindingOfTheLastAttempt) {
@@ -219,7 +229,8 @@ class FreedTexts {
         for (std::size_t index = 0; index < texts.size(); ++index) {
             const auto* text = static_cast<const wchar_t*>(block);
             if (block == texts[index] && block != nullptr) {
-                wiped += std::all_of(text, text + lengths[index], [](wchar_t character) { return character == 0; });
+                wiped += std::all_of(text, text + lengths[index],
+                                     [](wchar_t character) { return character == 0; });
                 texts[index] = nullptr;
             }
         }
@@ -233,7 +244,8 @@ class FreedTexts {
 
 TEST_F(BindOutcome, LeavesNoOfferedTextInMemory) {
     HMODULE gaps = GetModuleHandleW(L"windows_gaps.dll");
-    void* original = testbed::PatchImport(gaps, "ole32.dll", "CoTaskMemFree", reinterpret_cast<void*>(&FreedTexts::Free));
+    void* original =
+        testbed::PatchImport(gaps, "ole32.dll", "CoTaskMemFree", reinterpret_cast<void*>(&FreedTexts::Free));
     ASSERT_NE(original, nullptr);
     caller_->onAuthenticate = &FreedTexts::Watch;
     for (const HRESULT result : {S_OK, E_INVALIDARG}) {

@@ -30,7 +30,8 @@ class PassThrough : public BindTest {
 };
 
 TEST_F(PassThrough, BindWithoutAChallengeLooksTheSame) {
-    const CannedServer server([](const std::string&) { return Answer(200, kAlone + "Content-Type: text/plain\r\n", "a body"); });
+    const CannedServer server(
+        [](const std::string&) { return Answer(200, kAlone + "Content-Type: text/plain\r\n", "a body"); });
     caller_->recordsProgress = true;
     caller_->dataResult = [](HRESULT) { return S_OK; };
     const Lines expected = ByUrlmon(server.Url());
@@ -71,7 +72,8 @@ TEST_F(PassThrough, BindWhoseCallerRefusesItsStartEndsAsByUrlmon) {
     const std::pair<HRESULT RecordingCaller::*, Lines> cases[] = {
         {&RecordingCaller::bindInfoResult, {"GetBindInfo", "BindToStorage 0x80070057"}},
         {&RecordingCaller::startResult,
-         {"GetBindInfo", "OnStartBinding 0x000000FF", "OnStopBinding 0x800C0008", "BindToStorage 0x800C0008"}},
+         {"GetBindInfo", "OnStartBinding 0x000000FF", "OnStopBinding 0x800C0008",
+          "BindToStorage 0x800C0008"}},
     };
     for (const auto& [result, expected] : cases) {
         caller_.Get()->*result = E_INVALIDARG;
@@ -115,7 +117,9 @@ TEST_F(PassThrough, AsynchronousBindLooksTheSameEvenWithAChallenge) {
         EXPECT_EQ(Bind(server.Url(), caller_.Get(), whose), MK_S_ASYNCHRONOUS);
         EXPECT_TRUE(PumpUntil([&] { return caller_->stopped; }));
         Lines transcript = TakeTranscript();
-        std::erase_if(transcript, [](const std::string& line) { return line.starts_with("BindToStorage"); }); // at any time
+        std::erase_if(transcript, [](const std::string& line) {
+            return line.starts_with("BindToStorage");
+        }); // at any time
         return transcript;
     };
 
@@ -127,15 +131,17 @@ TEST_F(PassThrough, AsynchronousBindLooksTheSameEvenWithAChallenge) {
 }
 
 TEST_F(PassThrough, BindToAnObjectIsUrlmons) {
-    const CannedServer server(
-        [](const std::string&) { return Answer(200, "Content-Type: application/x-of-no-class\r\n", "a body"); });
+    const CannedServer server([](const std::string&) {
+        return Answer(200, "Content-Type: application/x-of-no-class\r\n", "a body");
+    });
     const auto bindToObject = [&](MonikerOf whose) {
         const auto moniker = MakeMoniker(server.Url(), whose);
         ComPtr<IBindCtx> context;
         CreateBindCtx(0, &context);
         RegisterBindStatusCallback(context.Get(), caller_.Get(), nullptr, 0);
         ComPtr<IUnknown> object;
-        Record("result " + std::to_string(moniker->BindToObject(context.Get(), nullptr, IID_PPV_ARGS(&object))));
+        Record("result " +
+               std::to_string(moniker->BindToObject(context.Get(), nullptr, IID_PPV_ARGS(&object))));
         return TakeTranscript();
     };
 

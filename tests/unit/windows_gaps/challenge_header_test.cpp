@@ -8,7 +8,9 @@
 namespace windows_gaps {
 
 void PrintTo(BasicChallenge challenge, std::ostream* stream) {
-    *stream << (challenge == BasicChallenge::None ? "None" : challenge == BasicChallenge::Leading ? "Leading" : "Listed");
+    *stream << (challenge == BasicChallenge::None      ? "None"
+                : challenge == BasicChallenge::Leading ? "Leading"
+                                                       : "Listed");
 }
 
 } // namespace windows_gaps
@@ -34,13 +36,17 @@ const Case kCases[] = {
     {"BareLineFeeds", L"A: b\nWWW-Authenticate: Basic\nC: d\n", BasicChallenge::Leading},
     {"ManyBlanks", L"WWW-Authenticate: \t  Basic \t realm=\"a\"\r\n", BasicChallenge::Leading},
     {"NoBlank", L"WWW-Authenticate:Basic\r\n", BasicChallenge::Leading},
-    {"SecondLine", L"WWW-Authenticate: Negotiate\r\nWWW-Authenticate: Basic realm=\"a\"\r\n", BasicChallenge::Leading},
+    {"SecondLine", L"WWW-Authenticate: Negotiate\r\nWWW-Authenticate: Basic realm=\"a\"\r\n",
+     BasicChallenge::Leading},
     {"FirstOfLine", L"WWW-Authenticate: Basic realm=\"a\", Digest realm=\"b\"\r\n", BasicChallenge::Leading},
-    {"LaterInLine", L"WWW-Authenticate: Digest realm=\"b\", nonce=\"c\", Basic realm=\"a\"\r\n", BasicChallenge::Listed},
+    {"LaterInLine", L"WWW-Authenticate: Digest realm=\"b\", nonce=\"c\", Basic realm=\"a\"\r\n",
+     BasicChallenge::Listed},
     {"AfterToken", L"WWW-Authenticate: NTLM abc==, Basic\r\n", BasicChallenge::Listed},
     {"AfterEmptyElement", L"WWW-Authenticate: , Basic\r\n", BasicChallenge::Listed},
-    {"ListedThenLeading", L"WWW-Authenticate: Digest a=b, Basic\r\nWWW-Authenticate: Basic\r\n", BasicChallenge::Leading},
-    {"LeadingThenNone", L"WWW-Authenticate: Basic\r\nWWW-Authenticate: Digest a=b\r\n", BasicChallenge::Leading},
+    {"ListedThenLeading", L"WWW-Authenticate: Digest a=b, Basic\r\nWWW-Authenticate: Basic\r\n",
+     BasicChallenge::Leading},
+    {"LeadingThenNone", L"WWW-Authenticate: Basic\r\nWWW-Authenticate: Digest a=b\r\n",
+     BasicChallenge::Leading},
     {"Quoted", L"WWW-Authenticate: Digest realm=\"x, Basic realm=y\"\r\n", BasicChallenge::None},
     {"QuotedWithEscape", L"WWW-Authenticate: Digest realm=\"x\\\", Basic \"\r\n", BasicChallenge::None},
     {"AfterEscape", L"WWW-Authenticate: Digest realm=\"x\\\\\", Basic\r\n", BasicChallenge::Listed},

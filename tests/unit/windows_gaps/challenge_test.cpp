@@ -19,9 +19,10 @@ const Offer kRight = {S_OK, L"ann", L"secret"};
 const Offer kWrong = {S_OK, L"ann", L"guess"};
 const std::string kWrongSent = "Basic YW5uOmd1ZXNz";
 
-const Lines kSuccess = {
-    "GetBindInfo",     "OnStartBinding 0x000000FF", "BeginningTransaction",          "Authenticate",
-    "OnResponse 200",  "OnDataAvailable, read 12 so far", "OnStopBinding S_OK", "BindToStorage S_OK and a stream"};
+const Lines kSuccess = {"GetBindInfo",          "OnStartBinding 0x000000FF",
+                        "BeginningTransaction", "Authenticate",
+                        "OnResponse 200",       "OnDataAvailable, read 12 so far",
+                        "OnStopBinding S_OK",   "BindToStorage S_OK and a stream"};
 
 using Challenge = BindTest;
 
@@ -77,10 +78,10 @@ TEST_F(Challenge, IsFinalAfterThreeWrongAnswers) {
 
     Bind(server.Url(), caller_.Get());
 
-    EXPECT_EQ(TakeTranscript(), (Lines{"GetBindInfo", "OnStartBinding 0x000000FF", "BeginningTransaction",
-                                       "Authenticate", "Authenticate", "Authenticate", "OnResponse 401",
-                                       "OnDataAvailable, read 6 so far", "OnStopBinding S_OK",
-                                       "BindToStorage S_OK and a stream"}));
+    EXPECT_EQ(TakeTranscript(),
+              (Lines{"GetBindInfo", "OnStartBinding 0x000000FF", "BeginningTransaction", "Authenticate",
+                     "Authenticate", "Authenticate", "OnResponse 401", "OnDataAvailable, read 6 so far",
+                     "OnStopBinding S_OK", "BindToStorage S_OK and a stream"}));
     EXPECT_EQ(caller_->body, "denied");
     EXPECT_EQ(caller_->offers.size(), 1U);
 }
@@ -104,8 +105,8 @@ TEST_F(Challenge, IsFinalForACallerWithoutCredentials) {
     Bind(server.Url(), caller_.Get());
 
     EXPECT_EQ(TakeTranscript(), (Lines{"GetBindInfo", "OnStartBinding 0x000000FF", "BeginningTransaction",
-                                       "OnResponse 401", "OnDataAvailable, read 6 so far", "OnStopBinding S_OK",
-                                       "BindToStorage S_OK and a stream"}));
+                                       "OnResponse 401", "OnDataAvailable, read 6 so far",
+                                       "OnStopBinding S_OK", "BindToStorage S_OK and a stream"}));
     EXPECT_EQ(Summary(server), (Strings{"/"}));
 }
 
@@ -120,7 +121,7 @@ TEST_F(Challenge, OfAnotherSchemeAsksNobody) {
 }
 
 TEST_F(Challenge, IsFoundAmongOthers) {
-    const std::string digest = "Digest realm=\"Docs, Basic\", nonce=\"1\"";
+    const std::string digest = R"(Digest realm="Docs, Basic", nonce="1")";
     const std::array<std::string, 4> forms = {
         "WWW-Authenticate: " + digest + "\r\n" + kChallenge,
         kChallenge + "WWW-Authenticate: " + digest + "\r\n",
@@ -149,8 +150,8 @@ TEST_F(Challenge, CredentialsTravelAsUtf8WhateverTheyHold) {
 }
 
 TEST_F(Challenge, CredentialsBehindAnotherChallengeTravelAlike) {
-    const CannedServer server(
-        Protected("Basic RE9NXGrDtnJnOnA6QHNzIHfDtnJkIOKCrPCdhJ4=", "WWW-Authenticate: Digest x, Basic realm=\"D\"\r\n"));
+    const CannedServer server(Protected("Basic RE9NXGrDtnJnOnA6QHNzIHfDtnJkIOKCrPCdhJ4=",
+                                        "WWW-Authenticate: Digest x, Basic realm=\"D\"\r\n"));
     caller_->offers = {{S_OK, L"DOM\\j\u00f6rg", L"p:@ss w\u00f6rd \u20ac\U0001D11E"}};
 
     Bind(server.Url(), caller_.Get());
@@ -221,7 +222,7 @@ TEST_F(Challenge, AsksInALaterBindThoughAnEarlierOneGotItWrong) {
 TEST_F(Challenge, WithoutABodyIsAnsweredAlike) {
     const CannedServer server([](const std::string& request) {
         return test_support::HeaderOf(request, "Authorization").empty() ? Answer(401, kChallenge, "")
-                                                                       : Answer(200, "", "the document");
+                                                                        : Answer(200, "", "the document");
     });
     caller_->offers = {kRight};
 
@@ -232,7 +233,8 @@ TEST_F(Challenge, WithoutABodyIsAnsweredAlike) {
 
 TEST_F(Challenge, BehindARedirectIsAnsweredWhereItCameFrom) {
     const CannedServer server([](const std::string& request) {
-        return request.starts_with("GET /start ") ? Answer(302, "Location: /inside\r\n", "moved") : Protected()(request);
+        return request.starts_with("GET /start ") ? Answer(302, "Location: /inside\r\n", "moved")
+                                                  : Protected()(request);
     });
     caller_->offers = {kRight};
 

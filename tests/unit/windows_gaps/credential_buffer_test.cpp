@@ -40,8 +40,9 @@ struct Unpacked {
     /// @return 0 or the error.
     DWORD Unpack(Bytes& packed, std::size_t size) {
         SetLastError(0);
-        return CredUnPackAuthenticationBufferW(0, packed.data(), static_cast<DWORD>(size), userName.data(), &userNameSize,
-                                               domain.data(), &domainSize, password.data(), &passwordSize) != FALSE
+        return CredUnPackAuthenticationBufferW(0, packed.data(), static_cast<DWORD>(size), userName.data(),
+                                               &userNameSize, domain.data(), &domainSize, password.data(),
+                                               &passwordSize) != FALSE
                    ? 0
                    : GetLastError();
     }
@@ -79,8 +80,8 @@ TEST_F(CredentialBuffer, TellsTheSizesThatItNeeds) {
     DWORD domain = 0;
     DWORD password = 0;
 
-    EXPECT_FALSE(CredUnPackAuthenticationBufferW(0, packed.data(), static_cast<DWORD>(packed.size()), nullptr, &userName,
-                                                 nullptr, &domain, nullptr, &password));
+    EXPECT_FALSE(CredUnPackAuthenticationBufferW(0, packed.data(), static_cast<DWORD>(packed.size()), nullptr,
+                                                 &userName, nullptr, &domain, nullptr, &password));
 
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
     EXPECT_EQ(userName, 4U);
@@ -115,8 +116,8 @@ TEST_F(CredentialBuffer, NeedNotTellADomain) {
     Bytes packed = Pack(L"ann", L"secret");
     Unpacked unpacked;
     EXPECT_TRUE(CredUnPackAuthenticationBufferW(0, packed.data(), static_cast<DWORD>(packed.size()),
-                                                unpacked.userName.data(), &unpacked.userNameSize, nullptr, nullptr,
-                                                unpacked.password.data(), &unpacked.passwordSize));
+                                                unpacked.userName.data(), &unpacked.userNameSize, nullptr,
+                                                nullptr, unpacked.password.data(), &unpacked.passwordSize));
     EXPECT_STREQ(unpacked.password.data(), L"secret");
 }
 
@@ -137,7 +138,9 @@ TEST_F(CredentialBuffer, PacksNothingIntoTooSmallABuffer) {
 TEST_F(CredentialBuffer, RefusesMissingTexts) {
     std::wstring text = L"ann";
     DWORD size = 0;
-    const auto refused = [](BOOL result) { return result == FALSE && GetLastError() == ERROR_INVALID_PARAMETER; };
+    const auto refused = [](BOOL result) {
+        return result == FALSE && GetLastError() == ERROR_INVALID_PARAMETER;
+    };
     EXPECT_TRUE(refused(CredPackAuthenticationBufferW(0, nullptr, text.data(), nullptr, &size)));
     EXPECT_TRUE(refused(CredPackAuthenticationBufferW(0, text.data(), nullptr, nullptr, &size)));
     EXPECT_TRUE(refused(CredPackAuthenticationBufferW(0, text.data(), text.data(), nullptr, nullptr)));
@@ -190,10 +193,12 @@ TEST_F(CredentialBuffer, IsRefusedWhenItsLengthsOverflow) {
     for (std::size_t index = lengths; index < lengths + 2 * sizeof(std::uint32_t); ++index) {
         Bytes changed = packed;
         changed[index] = 0xFF;
-        EXPECT_EQ(Unpacked().Unpack(changed, changed.size()), static_cast<DWORD>(ERROR_NOT_SUPPORTED)) << index;
+        EXPECT_EQ(Unpacked().Unpack(changed, changed.size()), static_cast<DWORD>(ERROR_NOT_SUPPORTED))
+            << index;
     }
     Bytes changed = packed;
-    std::fill_n(changed.begin() + static_cast<std::ptrdiff_t>(lengths), 2 * sizeof(std::uint32_t), std::uint8_t{0xFF});
+    std::fill_n(changed.begin() + static_cast<std::ptrdiff_t>(lengths), 2 * sizeof(std::uint32_t),
+                std::uint8_t{0xFF});
     EXPECT_EQ(Unpacked().Unpack(changed, changed.size()), static_cast<DWORD>(ERROR_NOT_SUPPORTED));
 }
 
@@ -201,8 +206,9 @@ TEST_F(CredentialBuffer, IsRefusedWhenItIsNone) {
     Bytes nothing;
     EXPECT_EQ(Unpacked().Unpack(nothing, 0), static_cast<DWORD>(ERROR_NOT_SUPPORTED));
     Unpacked unpacked;
-    EXPECT_FALSE(CredUnPackAuthenticationBufferW(0, nullptr, 100, unpacked.userName.data(), &unpacked.userNameSize, nullptr,
-                                                 nullptr, unpacked.password.data(), &unpacked.passwordSize));
+    EXPECT_FALSE(CredUnPackAuthenticationBufferW(0, nullptr, 100, unpacked.userName.data(),
+                                                 &unpacked.userNameSize, nullptr, nullptr,
+                                                 unpacked.password.data(), &unpacked.passwordSize));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_SUPPORTED));
     Bytes zeros(100);
     EXPECT_EQ(Unpacked().Unpack(zeros, zeros.size()), static_cast<DWORD>(ERROR_NOT_SUPPORTED));
@@ -213,13 +219,14 @@ TEST_F(CredentialBuffer, IsTheSameUnderTheLibrarysOwnNames) {
     std::wstring password = L"secret";
     Bytes packed = Pack(userName, password);
     Bytes own(packed.size());
-    DWORD size = static_cast<DWORD>(own.size());
+    auto size = static_cast<DWORD>(own.size());
     EXPECT_TRUE(WindowsGapsPackCredentials(0, userName.data(), password.data(), own.data(), &size));
     EXPECT_EQ(own, packed);
 
     Unpacked unpacked;
-    EXPECT_TRUE(WindowsGapsUnpackCredentials(0, own.data(), size, unpacked.userName.data(), &unpacked.userNameSize, nullptr,
-                                             nullptr, unpacked.password.data(), &unpacked.passwordSize));
+    EXPECT_TRUE(WindowsGapsUnpackCredentials(0, own.data(), size, unpacked.userName.data(),
+                                             &unpacked.userNameSize, nullptr, nullptr,
+                                             unpacked.password.data(), &unpacked.passwordSize));
     EXPECT_STREQ(unpacked.userName.data(), L"ann");
     EXPECT_STREQ(unpacked.password.data(), L"secret");
 }

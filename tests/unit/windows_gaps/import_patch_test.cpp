@@ -45,7 +45,8 @@ TEST(ImportPatch, SwapsAndRestoresAnImport) {
     EXPECT_EQ(patched, 4711U);
     EXPECT_EQ(replacement, Address(&StoppedClock));
     EXPECT_NE(Clock(), 4711U);
-    EXPECT_EQ(original, reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "GetTickCount64")));
+    EXPECT_EQ(original,
+              reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "GetTickCount64")));
 }
 
 TEST(ImportPatch, KnowsNoFunctionThatIsNotImported) {
@@ -79,12 +80,14 @@ struct SmallImage {
     SmallImage() {
         dos.e_lfanew = offsetof(SmallImage, nt);
         nt.OptionalHeader.NumberOfRvaAndSizes = IMAGE_NUMBEROF_DIRECTORY_ENTRIES;
-        nt.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress = offsetof(SmallImage, imports);
+        nt.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress =
+            offsetof(SmallImage, imports);
         names[0].u1.Ordinal = IMAGE_ORDINAL_FLAG | offsetof(SmallImage, named);
         names[1].u1.AddressOfData = offsetof(SmallImage, named);
         slots[0].u1.Function = slots[1].u1.Function = 1;
         Describe(0, offsetof(SmallImage, unnamed), 0);
-        Describe(1, offsetof(SmallImage, library), offsetof(SmallImage, names) + 2 * sizeof(names[0])); // an empty list
+        Describe(1, offsetof(SmallImage, library),
+                 offsetof(SmallImage, names) + 2 * sizeof(names[0])); // an empty list
         Describe(2, offsetof(SmallImage, library), offsetof(SmallImage, names));
     }
 
@@ -127,7 +130,9 @@ TEST(ImportPatch, CopesWithAModuleWithoutImports) {
 }
 
 TEST(ImportPatch, KeepsTheProtectionOfTheTable) {
-    auto* image = new (VirtualAlloc(nullptr, sizeof(SmallImage), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)) SmallImage;
+    void* memory = VirtualAlloc(nullptr, sizeof(SmallImage), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+    ASSERT_NE(memory, nullptr);
+    auto* image = new (memory) SmallImage;
     DWORD before = 0;
     ASSERT_NE(VirtualProtect(image, sizeof(*image), PAGE_READONLY, &before), 0);
 

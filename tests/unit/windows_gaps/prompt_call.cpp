@@ -23,8 +23,9 @@ void PromptCall::Run() {
     CREDUI_INFOW info = {structSize, parent, message.c_str(), caption.c_str(), nullptr};
     void* packed = nullptr;
     ULONG packedSize = 0;
-    error = CredUIPromptForWindowsCredentialsW(&info, authError, &authPackage, authBuffer.empty() ? nullptr : authBuffer.data(),
-                                               static_cast<ULONG>(authBuffer.size()), &packed, &packedSize, &save, flags);
+    error = CredUIPromptForWindowsCredentialsW(
+        &info, authError, &authPackage, authBuffer.empty() ? nullptr : authBuffer.data(),
+        static_cast<ULONG>(authBuffer.size()), &packed, &packedSize, &save, flags);
     handedOut = packed != nullptr;
     if (!handedOut) {
         return;
@@ -33,8 +34,8 @@ void PromptCall::Run() {
     std::array<wchar_t, CREDUI_MAX_PASSWORD_LENGTH + 1> secret{};
     auto userSize = static_cast<DWORD>(user.size());
     auto secretSize = static_cast<DWORD>(secret.size());
-    const BOOL unpacked = CredUnPackAuthenticationBufferW(0, packed, packedSize, user.data(), &userSize, nullptr, nullptr,
-                                                          secret.data(), &secretSize);
+    const BOOL unpacked = CredUnPackAuthenticationBufferW(0, packed, packedSize, user.data(), &userSize,
+                                                          nullptr, nullptr, secret.data(), &secretSize);
     unpackError = unpacked != FALSE ? 0 : GetLastError();
     CoTaskMemFree(packed);
     userName = user.data();
@@ -43,9 +44,10 @@ void PromptCall::Run() {
 
 NamedFile::NamedFile(const wchar_t* variable) : variable_(variable) {
     static int count = 0;
-    path_ = (std::filesystem::temp_directory_path() / ("prompt_test_" + std::to_string(GetCurrentProcessId()) + "_" +
-                                                       std::to_string(++count) + ".json"))
-                .wstring();
+    path_ =
+        (std::filesystem::temp_directory_path() /
+         ("prompt_test_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++count) + ".json"))
+            .wstring();
     SetEnvironmentVariableW(variable_.c_str(), path_.c_str());
 }
 

@@ -48,7 +48,8 @@ Step Type(int control, const wchar_t* text) {
 }
 
 Step Click(int control) {
-    return [control](HWND dialog) { return PostMessageW(GetDlgItem(dialog, control), BM_CLICK, 0, 0) != FALSE; };
+    return
+        [control](HWND dialog) { return PostMessageW(GetDlgItem(dialog, control), BM_CLICK, 0, 0) != FALSE; };
 }
 
 Step Check(std::function<void(HWND dialog)> check) {
@@ -88,8 +89,8 @@ TEST_F(PromptDialog, ShowsCaptionMessageAndEmptyFields) {
 }
 
 TEST_F(PromptDialog, HandsOutWhatIsEntered) {
-    Run({Type(IDC_PROMPT_USER, L"DOM\\j\u00f6rg"), Type(IDC_PROMPT_PASSWORD, L"p:@ss \u20ac"), Click(IDC_PROMPT_SAVE),
-         Click(IDOK)});
+    Run({Type(IDC_PROMPT_USER, L"DOM\\j\u00f6rg"), Type(IDC_PROMPT_PASSWORD, L"p:@ss \u20ac"),
+         Click(IDC_PROMPT_SAVE), Click(IDOK)});
 
     EXPECT_EQ(call_.error, 0U);
     EXPECT_EQ(call_.userName, L"DOM\\j\u00f6rg");
@@ -138,7 +139,8 @@ TEST_F(PromptDialog, IsCancelledByItsCloseButton) {
 
 TEST_F(PromptDialog, IsWalkedThroughByTab) {
     std::vector<Step> steps;
-    for (const int control : {IDC_PROMPT_USER, IDC_PROMPT_PASSWORD, IDC_PROMPT_SAVE, IDOK, IDCANCEL, IDC_PROMPT_USER}) {
+    for (const int control :
+         {IDC_PROMPT_USER, IDC_PROMPT_PASSWORD, IDC_PROMPT_SAVE, IDOK, IDCANCEL, IDC_PROMPT_USER}) {
         steps.push_back(WaitForFocus(control));
         steps.push_back(Press(VK_TAB));
     }
@@ -169,8 +171,8 @@ TEST_F(PromptDialog, StandsInTheMiddleOfTheScreenWithoutAParent) {
 }
 
 TEST_F(PromptDialog, HoldsItsParentMeanwhile) {
-    HWND parent = CreateWindowExW(0, L"STATIC", L"parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 600, 400, nullptr,
-                                  nullptr, nullptr, nullptr);
+    HWND parent = CreateWindowExW(0, L"STATIC", L"parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 600, 400,
+                                  nullptr, nullptr, nullptr, nullptr);
     ASSERT_NE(parent, nullptr);
     call_.parent = parent;
     Run({Check([&](HWND dialog) {
@@ -201,7 +203,8 @@ void ExpectTidy(HWND dialog) {
     GetClientRect(dialog, &inside);
     MapWindowPoints(dialog, HWND_DESKTOP, reinterpret_cast<POINT*>(&inside), 2);
     LONG above = inside.top;
-    for (const int control : {IDC_PROMPT_MESSAGE, IDC_PROMPT_USER, IDC_PROMPT_PASSWORD, IDC_PROMPT_SAVE, IDOK}) {
+    for (const int control :
+         {IDC_PROMPT_MESSAGE, IDC_PROMPT_USER, IDC_PROMPT_PASSWORD, IDC_PROMPT_SAVE, IDOK}) {
         if (GetDlgItem(dialog, control) == nullptr) {
             continue;
         }
@@ -234,10 +237,8 @@ TEST_F(PromptDialog, FitsMessagesOfAnyLengthWithAndWithoutABox) {
         longMessage += L" and more";
     }
     const std::pair<std::wstring, DWORD> cases[] = {
-        {L"", CREDUIWIN_CHECKBOX},
-        {L"One line", 0},
-        {L"One\nTwo", CREDUIWIN_CHECKBOX},
-        {L"One\nTwo\nThree\nFour\nFive", 0},
+        {L"", CREDUIWIN_CHECKBOX},         {L"One line", 0},
+        {L"One\nTwo", CREDUIWIN_CHECKBOX}, {L"One\nTwo\nThree\nFour\nFive", 0},
         {longMessage, CREDUIWIN_CHECKBOX},
     };
     for (const auto& [message, box] : cases) {
@@ -246,7 +247,8 @@ TEST_F(PromptDialog, FitsMessagesOfAnyLengthWithAndWithoutABox) {
         Run({Check([&](HWND dialog) {
                  ExpectTidy(dialog);
                  const RECT place = PlaceOf(dialog, IDC_PROMPT_MESSAGE);
-                 EXPECT_EQ(place.bottom - place.top, DrawnHeight(GetDlgItem(dialog, IDC_PROMPT_MESSAGE), call_.message));
+                 EXPECT_EQ(place.bottom - place.top,
+                           DrawnHeight(GetDlgItem(dialog, IDC_PROMPT_MESSAGE), call_.message));
              }),
              Click(IDCANCEL)});
     }
@@ -257,7 +259,8 @@ class LastPasswordText {
   public:
     static void Watch(HWND field) {
         text.clear();
-        original = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(field, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&OnMessage)));
+        original = reinterpret_cast<WNDPROC>(
+            SetWindowLongPtrW(field, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&OnMessage)));
     }
     static inline std::wstring text;
 
@@ -274,7 +277,8 @@ class LastPasswordText {
 TEST_F(PromptDialog, OverwritesThePasswordHoweverItEnds) {
     for (const int button : {IDOK, IDCANCEL}) {
         Run({Type(IDC_PROMPT_PASSWORD, L"secret"),
-             Check([](HWND dialog) { LastPasswordText::Watch(GetDlgItem(dialog, IDC_PROMPT_PASSWORD)); }), Click(button)});
+             Check([](HWND dialog) { LastPasswordText::Watch(GetDlgItem(dialog, IDC_PROMPT_PASSWORD)); }),
+             Click(button)});
 
         EXPECT_EQ(LastPasswordText::text, L"******");
     }
@@ -295,7 +299,8 @@ TEST_F(PromptDialog, LeavesThePasswordNowhereButInItsAnswer) {
     void* packed = nullptr;
     ULONG size = 0;
 
-    ASSERT_EQ(CredUIPromptForWindowsCredentialsW(&info, 0, &package, nullptr, 0, &packed, &size, nullptr, CREDUIWIN_GENERIC),
+    ASSERT_EQ(CredUIPromptForWindowsCredentialsW(&info, 0, &package, nullptr, 0, &packed, &size, nullptr,
+                                                 CREDUIWIN_GENERIC),
               0U);
 
     EXPECT_EQ(test_support::CountInBlock(password, packed, size), 1U);

@@ -6,7 +6,9 @@
 namespace windows_gaps_test {
 
 PromptDriver::PromptDriver(std::wstring caption, std::vector<Step> steps)
-    : caption_(std::move(caption)), steps_(std::move(steps)), deadline_(GetTickCount64() + 10'000),
+    : caption_(std::move(caption)),
+      steps_(std::move(steps)),
+      deadline_(GetTickCount64() + 10'000),
       timer_(SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &OnTimer)) {
     current = this;
 }

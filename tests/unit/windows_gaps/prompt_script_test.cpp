@@ -39,7 +39,8 @@ TEST_F(PromptScript, EntersUserNameAndPassword) {
 
 TEST_F(PromptScript, LeavesTheBoxAloneUnlessItSaysOtherwise) {
     call_.save = TRUE;
-    RunScript(R"([{"user": "ann", "password": "secret"}, {"user": "ann", "password": "secret", "save": false}])");
+    RunScript(
+        R"([{"user": "ann", "password": "secret"}, {"user": "ann", "password": "secret", "save": false}])");
     EXPECT_EQ(call_.save, TRUE);
 
     call_.Run();

@@ -19,7 +19,9 @@ std::string Number(unsigned long value) {
 }
 
 std::string Code(HRESULT result) {
-    return result == S_OK ? "S_OK" : result == S_FALSE ? "S_FALSE" : Hexadecimal(static_cast<unsigned long>(result));
+    return result == S_OK      ? "S_OK"
+           : result == S_FALSE ? "S_FALSE"
+                               : Hexadecimal(static_cast<unsigned long>(result));
 }
 
 } // namespace
@@ -118,7 +120,8 @@ HRESULT RecordingCaller::FillBindInfo(DWORD* flags, BINDINFO* info) const {
     return bindInfoResult;
 }
 
-HRESULT RecordingCaller::OnDataAvailable(DWORD /*flags*/, DWORD /*size*/, FORMATETC* /*format*/, STGMEDIUM* medium) {
+HRESULT RecordingCaller::OnDataAvailable(DWORD /*flags*/, DWORD /*size*/, FORMATETC* /*format*/,
+                                         STGMEDIUM* medium) {
     if (onData) {
         onData();
     }

@@ -26,8 +26,8 @@ struct Offer {
 /// Offers credentials by `QueryInterface`, by `IServiceProvider`, or not at all.
 enum class Offering { ByInterface, ByService, Never };
 
-class RecordingCaller final
-    : public test_support::FakeObject<IBindStatusCallbackEx, IHttpNegotiate, IAuthenticate, IServiceProvider> {
+class RecordingCaller final : public test_support::FakeObject<IBindStatusCallbackEx, IHttpNegotiate,
+                                                              IAuthenticate, IServiceProvider> {
   public:
     RecordingCaller() : FakeObject("caller") {}
 
@@ -63,13 +63,16 @@ class RecordingCaller final
     HRESULT STDMETHODCALLTYPE OnStartBinding(DWORD reserved, IBinding* started) override;
     HRESULT STDMETHODCALLTYPE GetPriority(LONG* /*priority*/) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE OnLowResource(DWORD /*reserved*/) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE OnProgress(ULONG progress, ULONG progressMax, ULONG code, LPCWSTR text) override;
+    HRESULT STDMETHODCALLTYPE OnProgress(ULONG progress, ULONG progressMax, ULONG code,
+                                         LPCWSTR text) override;
     HRESULT STDMETHODCALLTYPE OnStopBinding(HRESULT result, LPCWSTR error) override;
     HRESULT STDMETHODCALLTYPE GetBindInfo(DWORD* flags, BINDINFO* info) override;
-    HRESULT STDMETHODCALLTYPE OnDataAvailable(DWORD flags, DWORD size, FORMATETC* format, STGMEDIUM* medium) override;
+    HRESULT STDMETHODCALLTYPE OnDataAvailable(DWORD flags, DWORD size, FORMATETC* format,
+                                              STGMEDIUM* medium) override;
     HRESULT STDMETHODCALLTYPE OnObjectAvailable(REFIID iid, IUnknown* object) override;
 
-    HRESULT STDMETHODCALLTYPE GetBindInfoEx(DWORD* flags, BINDINFO* info, DWORD* flags2, DWORD* reserved) override;
+    HRESULT STDMETHODCALLTYPE GetBindInfoEx(DWORD* flags, BINDINFO* info, DWORD* flags2,
+                                            DWORD* reserved) override;
 
     HRESULT STDMETHODCALLTYPE BeginningTransaction(LPCWSTR url, LPCWSTR headers, DWORD reserved,
                                                    LPWSTR* additional) override;

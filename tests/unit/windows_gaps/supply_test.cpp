@@ -31,7 +31,8 @@ void* Real(const wchar_t* library, const char* function) {
 
 TEST(Supply, TouchesNothingOnWindowsItself) {
     HMODULE gaps = GetModuleHandleW(L"windows_gaps.dll");
-    void* original = testbed::PatchImport(gaps, "kernel32.dll", "GetProcAddress", reinterpret_cast<void*>(&LookUpAsOnWindows));
+    void* original = testbed::PatchImport(gaps, "kernel32.dll", "GetProcAddress",
+                                          reinterpret_cast<void*>(&LookUpAsOnWindows));
     ASSERT_NE(original, nullptr);
     void* const before = Imported("urlmon.dll", "CreateURLMoniker");
 
