@@ -74,10 +74,11 @@ function(kelda_add_lint_target)
                 --std=c++20 --language=c++ --inline-suppr --enable=warning,performance,portability
                 --suppress=missingIncludeSystem ${rooms})
 
-    file(GLOB scripts CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/*.sh ${PROJECT_SOURCE_DIR}/tools/*)
-    list(APPEND scripts ${PROJECT_SOURCE_DIR}/.ci/run)
+    file(GLOB scripts CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/*.sh ${PROJECT_SOURCE_DIR}/tools/*.sh)
+    list(APPEND scripts ${PROJECT_SOURCE_DIR}/tools/run-in-wine ${PROJECT_SOURCE_DIR}/.ci/run)
     kelda_lint_step(lint-scripts shell DEPENDS ${scripts} COMMAND ${SHELLCHECK} -x ${scripts})
-    file(GLOB_RECURSE modules CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/testbed/*.py ${PROJECT_SOURCE_DIR}/tests/*.py)
+    file(GLOB_RECURSE modules CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/testbed/*.py
+         ${PROJECT_SOURCE_DIR}/tests/*.py ${PROJECT_SOURCE_DIR}/tools/*.py)
     kelda_lint_step(lint-scripts python DEPENDS ${modules} COMMAND ${PYFLAKES} ${modules})
 
     foreach(target IN ITEMS lint-format lint-tidy lint-cppcheck lint-scripts)

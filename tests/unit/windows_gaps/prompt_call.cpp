@@ -11,6 +11,17 @@
 #include "testbed/windows_gaps/windows_gaps.h"
 
 namespace windows_gaps_test {
+namespace {
+
+/// A path in the folder for temporary files that no other file of this program has.
+std::wstring NewPath() {
+    static int count = 0;
+    const std::string name =
+        "prompt_test_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++count) + ".json";
+    return (std::filesystem::temp_directory_path() / name).wstring();
+}
+
+} // namespace
 
 void PromptCall::Prefill(std::wstring user, std::wstring secret) {
     DWORD size = 0;
@@ -42,12 +53,7 @@ void PromptCall::Run() {
     password = secret.data();
 }
 
-NamedFile::NamedFile(const wchar_t* variable) : variable_(variable) {
-    static int count = 0;
-    path_ =
-        (std::filesystem::temp_directory_path() /
-         ("prompt_test_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++count) + ".json"))
-            .wstring();
+NamedFile::NamedFile(const wchar_t* variable) : variable_(variable), path_(NewPath()) {
     SetEnvironmentVariableW(variable_.c_str(), path_.c_str());
 }
 
