@@ -13,7 +13,7 @@ start_server() {
     local announced=$DEMO_DIR/server.txt
     : >"$announced"
     python3 testbed/document_server --port 0 --user "$USER_NAME" --password "$PASSWORD" \
-        --log "$DEMO_DIR/requests.jsonl" --exit-with-parent >"$announced" 2>"$LOG_DIR/server.log" </dev/null &
+        --log "$DEMO_DIR/requests.jsonl" --exit-with-parent >"$announced" 2>"$LOG_DIR/server.log" </dev/null 9>&- &
     background+=($!)
     wait_until 20 grep -q listening "$announced" || fail "the document server did not start; see build/logs/server.log"
     server=$(sed -n 's/^listening on //p' "$announced")
@@ -32,18 +32,22 @@ PYTHON
 
 # Types into the credential prompt, takes its picture and presses Enter.
 play_person() {
-    wait_until 30 xdotool search --onlyvisible --name '^Log in to the viewer$' || fail "no credential prompt appeared"
     # The prompt is ready once it has taken the focus.
-    wait_until 30 prompt_has_focus || fail "the credential prompt did not take the focus"
+    wait_until 30 prompt_has_focus_or_viewer_ended
+    prompt_has_focus || fail "no credential prompt appeared; see build/logs/viewer.log"
     xdotool type --delay 30 "$USER_NAME"
     xdotool key Tab
     xdotool type --delay 30 "$PASSWORD"
-    import -window root "$DEMO_DIR/prompt.png"
+    import -window root "$DEMO_DIR/prompt.png" || fail "no picture of the prompt could be taken"
     xdotool key Return
 }
 
 prompt_has_focus() {
-    xdotool getwindowfocus getwindowname | grep -q '^Log in to the viewer$'
+    xdotool getwindowfocus getwindowname 2>/dev/null | grep -q '^Log in to the viewer$'
+}
+
+prompt_has_focus_or_viewer_ended() {
+    prompt_has_focus || ! kill -0 "$current"
 }
 
 same_document() {
@@ -66,19 +70,20 @@ stage "Document server"
 start_server
 stage_done "$server"
 
-printf '\nWithout a login, %s answers HTTP %s.\n' "/$DOCUMENT" "$(status_without_login)"
+status=$(status_without_login) || fail "the document server did not answer; see build/logs/server.log"
+printf '\nWithout a login, %s answers HTTP %s.\n' "/$DOCUMENT" "$status"
 printf 'The viewer logs in through kelda.dll and downloads it; a person types at the prompt ...\n\n'
 
 tools/run-in-wine "$BIN_DIR/viewer.exe" --server "$server/" --path basic/ --get "$DOCUMENT" \
     --output "Z:$DEMO_DIR/engine.bin" --trace "Z:$DEMO_DIR/trace.txt" --caption "Log in to the viewer" \
-    >"$LOG_DIR/viewer.log" 2>&1 </dev/null &
+    >"$LOG_DIR/viewer.log" 2>&1 </dev/null 9>&- &
 current=$!
 play_person
-wait "$current" || fail "the viewer did not get through: $(tail -n 1 "$LOG_DIR/viewer.log")"
+wait "$current" || fail "the viewer did not get through, see build/logs/viewer.log; it said: $(tail -n 1 "$LOG_DIR/viewer.log")"
 current=
 
 sed 's/^/  /' "$DEMO_DIR/trace.txt"
 printf '\n%s\n' "$(tail -n 1 "$LOG_DIR/viewer.log")"
-same_document || fail "the document differs from the server's"
+same_document || fail "build/demo/engine.bin differs from the server's document"
 printf 'The document is the one that the server keeps, byte for byte.\n'
 printf 'Picture of the credential prompt: %s\n' "build/demo/prompt.png"

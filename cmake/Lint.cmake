@@ -51,20 +51,28 @@ function(kelda_add_lint_target)
     find_program(CPPCHECK cppcheck)
     find_program(SHELLCHECK shellcheck)
     find_program(PYFLAKES NAMES pyflakes3 pyflakes)
-    if(NOT (CLANG_FORMAT AND CLANG_TIDY AND CPPCHECK AND SHELLCHECK AND PYFLAKES) OR NOT KELDA_BUILD_TESTS)
-        return() # test.sh installs them; a build does not need them
+    if(NOT (CLANG_FORMAT AND CLANG_TIDY AND CPPCHECK AND SHELLCHECK AND PYFLAKES))
+        if(KELDA_REQUIRE_LINTERS)
+            message(FATAL_ERROR "clang-format, clang-tidy, cppcheck, shellcheck and pyflakes3 are all needed.")
+        endif()
+        return()
+    endif()
+    if(NOT KELDA_BUILD_TESTS)
+        return()
     endif()
     kelda_collect_sources(sources headers)
     kelda_clang_arguments(clang_arguments)
+    set(tidy_configurations .clang-tidy testbed/.clang-tidy tests/.clang-tidy)
+    list(TRANSFORM tidy_configurations PREPEND ${PROJECT_SOURCE_DIR}/)
 
     foreach(file IN LISTS sources headers)
         file(RELATIVE_PATH name ${PROJECT_SOURCE_DIR} ${file})
-        kelda_lint_step(lint-format format/${name} DEPENDS ${file} .clang-format
+        kelda_lint_step(lint-format format/${name} DEPENDS ${file} ${PROJECT_SOURCE_DIR}/.clang-format
                         COMMAND ${CLANG_FORMAT} --dry-run -Werror ${file})
     endforeach()
     foreach(file IN LISTS sources)
         file(RELATIVE_PATH name ${PROJECT_SOURCE_DIR} ${file})
-        kelda_lint_step(lint-tidy tidy/${name} DEPENDS ${file} ${headers} .clang-tidy
+        kelda_lint_step(lint-tidy tidy/${name} DEPENDS ${file} ${headers} ${tidy_configurations}
                         COMMAND ${CLANG_TIDY} -p ${CMAKE_BINARY_DIR} --quiet ${clang_arguments} ${file})
     endforeach()
 
@@ -75,7 +83,8 @@ function(kelda_add_lint_target)
                 --suppress=missingIncludeSystem ${rooms})
 
     file(GLOB scripts CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/*.sh ${PROJECT_SOURCE_DIR}/tools/*.sh)
-    list(APPEND scripts ${PROJECT_SOURCE_DIR}/tools/run-in-wine ${PROJECT_SOURCE_DIR}/.ci/run)
+    list(APPEND scripts ${PROJECT_SOURCE_DIR}/tools/run-in-wine ${PROJECT_SOURCE_DIR}/tools/run-unit-test
+         ${PROJECT_SOURCE_DIR}/.ci/run)
     kelda_lint_step(lint-scripts shell DEPENDS ${scripts} COMMAND ${SHELLCHECK} -x ${scripts})
     file(GLOB_RECURSE modules CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/testbed/*.py
          ${PROJECT_SOURCE_DIR}/tests/*.py ${PROJECT_SOURCE_DIR}/tools/*.py)

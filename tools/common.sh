@@ -36,7 +36,7 @@ fail() {
 run_logged() {
     local log=$LOG_DIR/$1.log status
     shift
-    "$@" >"$log" 2>&1 </dev/null &
+    "$@" >"$log" 2>&1 </dev/null 9>&- &
     current=$!
     wait "$current"
     status=$?
@@ -58,27 +58,37 @@ missing_packages() {
 
 # install_packages PACKAGE...: installs those that are missing, with sudo where this is not root.
 install_packages() {
-    local missing as_root=()
+    local missing
     mapfile -t missing < <(missing_packages "$@")
     stage "Packages"
     if [ ${#missing[@]} -eq 0 ]; then
         stage_done "all there"
-        return
+    else
+        install_missing "${missing[@]}"
+        stage_done "${#missing[@]} installed"
     fi
+    # From here on everything talks to this machine only.
+    unset http_proxy https_proxy all_proxy HTTP_PROXY HTTPS_PROXY ALL_PROXY
+}
+
+install_missing() {
+    local as_root=()
     if [ "$(id -u)" -ne 0 ]; then
-        command -v sudo >/dev/null || fail "installing ${missing[*]} needs root or sudo"
+        command -v sudo >/dev/null || fail "installing $* needs root or sudo"
         as_root=(sudo)
     fi
     as_root+=(env DEBIAN_FRONTEND=noninteractive)
     logged packages-update "${as_root[@]}" apt-get update
-    logged packages-install "${as_root[@]}" apt-get install -y --no-install-recommends "${missing[@]}"
-    stage_done "${#missing[@]} installed"
+    logged packages-install "${as_root[@]}" apt-get install -y --no-install-recommends "$@"
 }
 
-# build_targets TARGET...: configures once and builds.
+# What a script adds to the configuration.
+configure_options=()
+
+# build_targets TARGET...: configures and builds.
 build_targets() {
     stage "Build"
-    logged configure cmake --preset mingw-release
+    logged configure cmake --preset mingw-release "${configure_options[@]}"
     logged build cmake --build --preset mingw-release --target "$@"
     stage_done
 }
@@ -111,7 +121,7 @@ wineserver_of_prefix() {
 start_display() {
     local number=$LOG_DIR/display.number
     : >"$number"
-    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$number" >"$LOG_DIR/xvfb.log" 2>&1 </dev/null &
+    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$number" >"$LOG_DIR/xvfb.log" 2>&1 </dev/null 9>&- &
     background+=($!)
     wait_until 20 test -s "$number" || fail "the display did not start; see build/logs/xvfb.log"
     DISPLAY=:$(cat "$number")
@@ -131,21 +141,35 @@ wait_until() {
 background=()
 current=
 
-# Ends all that was started here: on success, on failure and on Ctrl+C.
-clean_up() {
-    local status=$? pid
-    trap - EXIT INT TERM HUP
-    [ -d "$WINEPREFIX" ] && wineserver_of_prefix --kill 2>/dev/null
-    for pid in $current "${background[@]}"; do
-        kill "$pid" 2>/dev/null
+# end_jobs PID...: ends background jobs with all that they have started; each is a process group of its own.
+end_jobs() {
+    local pid
+    for pid in "$@"; do
+        kill -TERM -- "-$pid" 2>/dev/null
     done
-    wait 2>/dev/null
+    for pid in "$@"; do
+        wait "$pid" 2>/dev/null
+    done
+}
+
+# Ends all that was started here: on success, on failure and on Ctrl+C. What may start programs under Wine goes first.
+clean_up() {
+    local status=$?
+    trap - EXIT
+    trap '' INT TERM HUP
+    [ -z "$current" ] || end_jobs "$current"
+    [ ! -d "$WINEPREFIX" ] || wineserver_of_prefix --kill 2>/dev/null
+    end_jobs "${background[@]}"
     exit "$status"
 }
 
 # begin: one run at a time in a checkout; whatever ends it, nothing is left behind.
 begin() {
-    mkdir -p "$LOG_DIR"
+    # Each background job gets a process group, so that it can be ended as a whole.
+    set -m
+    # Nothing of the caller's own Wine, or of an earlier test by hand, is to get in.
+    unset WINEARCH WINEDEBUG WINEDLLOVERRIDES KELDA_PROMPT_SCRIPT KELDA_PROMPT_LOG "${!MERIDO_@}"
+    mkdir -p "$LOG_DIR" || fail "the folder build/ cannot be written"
     exec 9>"$PWD/build/.lock"
     flock --nonblock 9 || fail "another run is going on in this checkout"
     trap clean_up EXIT

@@ -104,7 +104,7 @@ HRESULT NegotiatingCallback::OnStartBinding(DWORD reserved, IBinding* binding) {
         proxy_->Follow(binding);
         return S_OK;
     }
-    proxy_ = TakeOver(new (std::nothrow) BindingProxy);
+    proxy_.Swap(TakeOver(new (std::nothrow) BindingProxy));
     if (proxy_ == nullptr) {
         return E_OUTOFMEMORY;
     }

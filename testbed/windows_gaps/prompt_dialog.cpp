@@ -112,8 +112,8 @@ void OverwriteField(HWND dialog, int field) {
 }
 
 void TakeAnswer(HWND dialog, PromptDialogContent& content) {
-    Credentials answer{ReadField(dialog, IDC_PROMPT_USER), ReadField(dialog, IDC_PROMPT_PASSWORD)};
-    content.credentials = std::move(answer);
+    content.credentials.userName = ReadField(dialog, IDC_PROMPT_USER);
+    content.credentials.password = ReadField(dialog, IDC_PROMPT_PASSWORD);
     if (content.offersSave) {
         content.save = IsDlgButtonChecked(dialog, IDC_PROMPT_SAVE) == BST_CHECKED;
     }

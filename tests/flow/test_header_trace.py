@@ -18,10 +18,12 @@ class HeaderTrace(ViewerCase):
 
     def test_is_off_without_the_word(self) -> None:
         run = self.probe("login/form", implementation="parse")
+        self.assertIn("[0] SessionAuthenticationComplete. status = 1", run.trace)
         self.assertEqual([line for line in run.trace if "headers" in line], [])
 
     def test_shows_nothing_for_a_bind_that_failed(self) -> None:
         run = self.probe("forbidden", implementation="trace")
+        self.assertIn("[0] SessionAuthenticationComplete. status = 3", run.trace)
         self.assertEqual([line for line in run.trace if "headers" in line], [])
 
     def test_cannot_be_forged_by_what_a_server_sends(self) -> None:

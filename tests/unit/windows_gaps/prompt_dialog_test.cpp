@@ -79,7 +79,7 @@ TEST_F(PromptDialog, ShowsCaptionMessageAndEmptyFields) {
              EXPECT_EQ(IsDlgButtonChecked(dialog, IDC_PROMPT_SAVE), static_cast<UINT>(BST_UNCHECKED));
              EXPECT_EQ(FocusedControl(), IDC_PROMPT_USER);
              EXPECT_EQ(GetForegroundWindow(), dialog);
-             const HWND password = GetDlgItem(dialog, IDC_PROMPT_PASSWORD);
+             HWND password = GetDlgItem(dialog, IDC_PROMPT_PASSWORD);
              EXPECT_NE(GetWindowLongW(password, GWL_STYLE) & ES_PASSWORD, 0);
          }),
          Click(IDCANCEL)});
