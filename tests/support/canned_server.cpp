@@ -15,6 +15,7 @@ namespace test_support {
 namespace {
 
 constexpr std::string_view kHeadEnd = "\r\n\r\n";
+constexpr int kMostAttempts = 1000;
 
 class SocketLibrary {
   public:
@@ -127,8 +128,11 @@ CannedServer::CannedServer(Answerer answerer)
       nextPiece_(CreateSemaphoreW(nullptr, 0, std::numeric_limits<LONG>::max(), nullptr)) {
     static const SocketLibrary library;
     static std::set<std::uint16_t> used;
-    while (!used.insert(Listen()).second) {
+    for (int attempt = 0; !used.insert(Listen()).second; ++attempt) {
         closesocket(listener_);
+        if (attempt == kMostAttempts) {
+            throw std::runtime_error("the canned servers have used up the ports");
+        }
     }
     acceptor_ = std::thread(&CannedServer::Accept, this);
 }
