@@ -11,12 +11,12 @@
 namespace {
 
 std::string PathOf(const std::string& location, const std::vector<std::string>& directories = {}) {
-    du::FileSpec spec;
-    spec.SetLocation(location);
+    du::FileSpec path;
+    path.SetLocation(location);
     for (const std::string& directory : directories) {
-        spec.PushDirectory(directory);
+        path.PushDirectory(directory);
     }
-    return spec.GetPath();
+    return path.GetPath();
 }
 
 TEST(FileSpec, IsEmptyAtFirst) {
@@ -52,11 +52,11 @@ TEST(FileSpec, DirectoriesWithoutALocationMakeARelativePath) {
 }
 
 TEST(FileSpec, NewLocationStartsOver) {
-    du::FileSpec spec;
-    spec.SetLocation("C:\\one");
-    spec.PushDirectory("two");
-    spec.SetLocation("D:\\three");
-    EXPECT_EQ(spec.GetPath(), "D:\\three");
+    du::FileSpec path;
+    path.SetLocation("C:\\one");
+    path.PushDirectory("two");
+    path.SetLocation("D:\\three");
+    EXPECT_EQ(path.GetPath(), "D:\\three");
 }
 
 TEST(FileSystem, TempDirIsTheSystemsWithoutTrailingSeparator) {
