@@ -9,6 +9,7 @@
 #include <wininet.h>
 
 #include "challenge_server.h"
+#include "freed_by_library.h"
 #include "recording_caller.h"
 #include "testbed/support/import_patch.h"
 
@@ -251,12 +252,29 @@ TEST_F(BindOutcome, LeavesNoOfferedTextInMemory) {
     for (const HRESULT result : {S_OK, E_INVALIDARG}) {
         const CannedServer server(Protected());
         caller_->offers = {{result, L"ann", L"secret"}};
+        caller_->onResponse = [](DWORD) {
+            EXPECT_EQ(FreedTexts::wiped, 2) << "they are kept longer than they are needed";
+            return S_OK;
+        };
 
         Bind(server.Url(), caller_.Get());
 
         EXPECT_EQ(FreedTexts::wiped, 2);
     }
     testbed::PatchImport(gaps, "ole32.dll", "CoTaskMemFree", original);
+}
+
+TEST_F(BindOutcome, LeavesNothingOfAHeaderThatItMade) {
+    const test_support::HiddenText password(24, 1);
+    const CannedServer server(Protected("never", "WWW-Authenticate: Digest x, Basic realm=\"D\"\r\n"));
+    caller_->offers = {{S_OK, L"ann", std::wstring(password.Length(), L' ')}};
+    caller_->onAuthenticate = [&](LPWSTR /*userName*/, LPWSTR offered) { password.PutInto(offered); };
+    const FreedByLibrary freed(password);
+
+    Bind(server.Url(), caller_.Get());
+
+    EXPECT_EQ(server.Requests().size(), 2U);
+    EXPECT_EQ(FreedByLibrary::Found(), 0U);
 }
 
 } // namespace

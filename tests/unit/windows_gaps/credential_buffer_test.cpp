@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <wincred.h>
 
+#include "freed_by_library.h"
 #include "testbed/windows_gaps/windows_gaps.h"
 
 namespace windows_gaps_test {
@@ -229,6 +230,23 @@ TEST_F(CredentialBuffer, IsTheSameUnderTheLibrarysOwnNames) {
                                              unpacked.password.data(), &unpacked.passwordSize));
     EXPECT_STREQ(unpacked.userName.data(), L"ann");
     EXPECT_STREQ(unpacked.password.data(), L"secret");
+}
+
+TEST_F(CredentialBuffer, LeavesNothingBehindThatItHeldMeanwhile) {
+    const test_support::HiddenText secret(24, 1);
+    std::array<wchar_t, 25> password{};
+    secret.PutInto(password.data());
+    std::wstring userName = L"ann";
+    Bytes packed(200);
+    auto size = static_cast<DWORD>(packed.size());
+    Unpacked unpacked;
+    const FreedByLibrary freed(secret);
+
+    ASSERT_TRUE(CredPackAuthenticationBufferW(0, userName.data(), password.data(), packed.data(), &size));
+    ASSERT_EQ(unpacked.Unpack(packed, size), 0U);
+
+    EXPECT_TRUE(secret.Equals(unpacked.password.data()));
+    EXPECT_EQ(FreedByLibrary::Found(), 0U);
 }
 
 } // namespace

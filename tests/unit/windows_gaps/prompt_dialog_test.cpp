@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <objbase.h>
 
+#include "freed_by_library.h"
 #include "prompt_call.h"
 #include "prompt_driver.h"
 #include "testbed/windows_gaps/prompt_dialog_ids.h"
@@ -294,6 +295,7 @@ TEST_F(PromptDialog, LeavesThePasswordNowhereButInItsAnswer) {
                                                  return true;
                                              },
                                              Click(IDOK)});
+    const FreedByLibrary freed(password);
     CREDUI_INFOW info = {sizeof(info), nullptr, L"A message", L"A caption", nullptr};
     ULONG package = 0;
     void* packed = nullptr;
@@ -305,6 +307,7 @@ TEST_F(PromptDialog, LeavesThePasswordNowhereButInItsAnswer) {
 
     EXPECT_EQ(test_support::CountInBlock(password, packed, size), 1U);
     EXPECT_EQ(test_support::CountInMemory(password), 1U);
+    EXPECT_EQ(FreedByLibrary::Found(), 0U);
     SecureZeroMemory(packed, size);
     CoTaskMemFree(packed);
 }

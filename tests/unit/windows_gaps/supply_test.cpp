@@ -1,5 +1,10 @@
 // To whom the gaps are supplied, and that nobody else is touched.
+#include <array>
 #include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <type_traits>
 
 #include <windows.h>
 
@@ -64,14 +69,23 @@ TEST(Supply, ReplacesTheImportsOnceAndForAll) {
 }
 
 TEST(Supply, KeepsItsLibraryLoaded) {
-    ASSERT_TRUE(SupplyWindowsGaps(GetModuleHandleW(nullptr)));
-    HMODULE gaps = GetModuleHandleW(L"windows_gaps.dll");
+    // A copy, as this program's own imports keep the library itself.
+    const wchar_t* const copy = L"windows_gaps_test_copy.dll";
+    const std::wstring path = (std::filesystem::temp_directory_path() / copy).wstring();
+    std::array<wchar_t, MAX_PATH> original{};
+    GetModuleFileNameW(GetModuleHandleW(L"windows_gaps.dll"), original.data(), MAX_PATH);
+    ASSERT_TRUE(CopyFileW(original.data(), path.c_str(), FALSE));
+    std::unique_ptr<std::remove_pointer_t<HMODULE>, decltype(&FreeLibrary)> gaps(LoadLibraryW(path.c_str()),
+                                                                                 &FreeLibrary);
+    ASSERT_NE(gaps, nullptr);
+    auto* supply = reinterpret_cast<decltype(&SupplyWindowsGaps)>(
+        reinterpret_cast<void*>(GetProcAddress(gaps.get(), "SupplyWindowsGaps")));
+    ASSERT_NE(supply, nullptr);
 
-    for (int attempt = 0; attempt < 3; ++attempt) {
-        FreeLibrary(gaps);
-    }
+    EXPECT_TRUE(supply(GetModuleHandleW(L"kernel32.dll")));
+    gaps.reset();
 
-    EXPECT_EQ(GetModuleHandleW(L"windows_gaps.dll"), gaps);
+    EXPECT_NE(GetModuleHandleW(copy), nullptr);
 }
 
 } // namespace
