@@ -3,7 +3,7 @@
 #   lint-cppcheck cppcheck         lint-scripts  shellcheck and pyflakes
 #   lint         all of them
 
-set(KELDA_ROOMS include src host testbed tests)
+set(KELDA_ROOMS include src host webview2 testbed tests)
 
 # kelda_lint_step(target stamp-name SOURCES... COMMAND command...): one stamp, made anew when a source changes.
 function(kelda_lint_step target stamp)
@@ -87,7 +87,7 @@ function(kelda_add_lint_target)
          ${PROJECT_SOURCE_DIR}/.ci/run)
     kelda_lint_step(lint-scripts shell DEPENDS ${scripts} COMMAND ${SHELLCHECK} -x ${scripts})
     file(GLOB_RECURSE modules CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/testbed/*.py
-         ${PROJECT_SOURCE_DIR}/tests/*.py ${PROJECT_SOURCE_DIR}/tools/*.py)
+         ${PROJECT_SOURCE_DIR}/tests/*.py ${PROJECT_SOURCE_DIR}/tools/*.py ${PROJECT_SOURCE_DIR}/webview2/*.py)
     kelda_lint_step(lint-scripts python DEPENDS ${modules} COMMAND ${PYFLAKES} ${modules})
 
     foreach(target IN ITEMS lint-format lint-tidy lint-cppcheck lint-scripts)

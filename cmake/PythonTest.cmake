@@ -1,9 +1,9 @@
 # Python's unittest methods as tests of CTest, each in a process of its own.
-find_package(Python3 3.11 REQUIRED COMPONENTS Interpreter)
 
-# kelda_add_python_tests(FOLDER [ENVIRONMENT NAME=VALUE...]): the test_*.py modules of a folder of the repository.
+# kelda_add_python_tests(FOLDER [ALONE] [ENVIRONMENT NAME=VALUE...]): the test_*.py modules of a folder of the repository.
+# ALONE is for tests that need the display, or something else that there is only one of.
 function(kelda_add_python_tests folder)
-    cmake_parse_arguments(arg "" "" "ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(arg "ALONE" "" "ENVIRONMENT" ${ARGN})
     file(GLOB modules CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/test_*.py)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${modules})
     execute_process(
@@ -16,5 +16,8 @@ function(kelda_add_python_tests folder)
         endif()
         add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} -B -m unittest ${name} WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
         set_tests_properties(${name} PROPERTIES TIMEOUT 120 ENVIRONMENT "${arg_ENVIRONMENT}")
+        if(arg_ALONE)
+            set_tests_properties(${name} PROPERTIES RUN_SERIAL TRUE)
+        endif()
     endforeach()
 endfunction()

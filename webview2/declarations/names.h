@@ -1,0 +1,136 @@
+// The names of all interfaces that the declarations mention, the structures, and how an interface gets its id. Interfaces
+// that are only passed on stay incomplete.
+#pragma once
+
+#include <EventToken.h>
+#include <objidl.h>
+#include <unknwn.h>
+
+#include "declarations/enums.h"
+#include "declarations/interface_id.h"
+
+struct COREWEBVIEW2_COLOR {
+    BYTE A;
+    BYTE R;
+    BYTE G;
+    BYTE B;
+};
+
+struct ICoreWebView2;
+struct ICoreWebView2AcceleratorKeyPressedEventHandler;
+struct ICoreWebView2AddScriptToExecuteOnDocumentCreatedCompletedHandler;
+struct ICoreWebView2BasicAuthenticationRequestedEventArgs;
+struct ICoreWebView2BasicAuthenticationRequestedEventHandler;
+struct ICoreWebView2BasicAuthenticationResponse;
+struct ICoreWebView2BrowserProcessExitedEventHandler;
+struct ICoreWebView2CallDevToolsProtocolMethodCompletedHandler;
+struct ICoreWebView2CapturePreviewCompletedHandler;
+struct ICoreWebView2Certificate;
+struct ICoreWebView2ClearServerCertificateErrorActionsCompletedHandler;
+struct ICoreWebView2ClientCertificate;
+struct ICoreWebView2ClientCertificateCollection;
+struct ICoreWebView2ClientCertificateRequestedEventArgs;
+struct ICoreWebView2ClientCertificateRequestedEventHandler;
+struct ICoreWebView2ContainsFullScreenElementChangedEventHandler;
+struct ICoreWebView2ContentLoadingEventHandler;
+struct ICoreWebView2ContextMenuItem;
+struct ICoreWebView2ContextMenuRequestedEventHandler;
+struct ICoreWebView2Controller;
+struct ICoreWebView2Controller2;
+struct ICoreWebView2Controller3;
+struct ICoreWebView2Controller4;
+struct ICoreWebView2ControllerOptions;
+struct ICoreWebView2Cookie;
+struct ICoreWebView2CookieList;
+struct ICoreWebView2CookieManager;
+struct ICoreWebView2CreateCoreWebView2CompositionControllerCompletedHandler;
+struct ICoreWebView2CreateCoreWebView2ControllerCompletedHandler;
+struct ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler;
+struct ICoreWebView2CustomSchemeRegistration;
+struct ICoreWebView2DOMContentLoadedEventHandler;
+struct ICoreWebView2Deferral;
+struct ICoreWebView2DevToolsProtocolEventReceiver;
+struct ICoreWebView2DocumentTitleChangedEventHandler;
+struct ICoreWebView2DownloadStartingEventHandler;
+struct ICoreWebView2Environment;
+struct ICoreWebView2Environment10;
+struct ICoreWebView2Environment2;
+struct ICoreWebView2Environment3;
+struct ICoreWebView2Environment4;
+struct ICoreWebView2Environment5;
+struct ICoreWebView2Environment6;
+struct ICoreWebView2Environment7;
+struct ICoreWebView2Environment8;
+struct ICoreWebView2Environment9;
+struct ICoreWebView2EnvironmentOptions;
+struct ICoreWebView2EnvironmentOptions2;
+struct ICoreWebView2EnvironmentOptions3;
+struct ICoreWebView2EnvironmentOptions4;
+struct ICoreWebView2EnvironmentOptions5;
+struct ICoreWebView2EnvironmentOptions6;
+struct ICoreWebView2EnvironmentOptions7;
+struct ICoreWebView2EnvironmentOptions8;
+struct ICoreWebView2ExecuteScriptCompletedHandler;
+struct ICoreWebView2FaviconChangedEventHandler;
+struct ICoreWebView2FocusChangedEventHandler;
+struct ICoreWebView2FrameCreatedEventHandler;
+struct ICoreWebView2GetCookiesCompletedHandler;
+struct ICoreWebView2GetFaviconCompletedHandler;
+struct ICoreWebView2HistoryChangedEventHandler;
+struct ICoreWebView2HttpHeadersCollectionIterator;
+struct ICoreWebView2HttpRequestHeaders;
+struct ICoreWebView2HttpResponseHeaders;
+struct ICoreWebView2IsDefaultDownloadDialogOpenChangedEventHandler;
+struct ICoreWebView2IsDocumentPlayingAudioChangedEventHandler;
+struct ICoreWebView2IsMutedChangedEventHandler;
+struct ICoreWebView2MoveFocusRequestedEventHandler;
+struct ICoreWebView2NavigationCompletedEventArgs;
+struct ICoreWebView2NavigationCompletedEventHandler;
+struct ICoreWebView2NavigationStartingEventArgs;
+struct ICoreWebView2NavigationStartingEventHandler;
+struct ICoreWebView2NewBrowserVersionAvailableEventHandler;
+struct ICoreWebView2NewWindowRequestedEventHandler;
+struct ICoreWebView2PermissionRequestedEventHandler;
+struct ICoreWebView2PointerInfo;
+struct ICoreWebView2PrintSettings;
+struct ICoreWebView2PrintToPdfCompletedHandler;
+struct ICoreWebView2ProcessFailedEventHandler;
+struct ICoreWebView2ProcessInfoCollection;
+struct ICoreWebView2ProcessInfosChangedEventHandler;
+struct ICoreWebView2Profile;
+struct ICoreWebView2RasterizationScaleChangedEventHandler;
+struct ICoreWebView2ScriptDialogOpeningEventHandler;
+struct ICoreWebView2ServerCertificateErrorDetectedEventArgs;
+struct ICoreWebView2ServerCertificateErrorDetectedEventHandler;
+struct ICoreWebView2Settings;
+struct ICoreWebView2Settings2;
+struct ICoreWebView2Settings3;
+struct ICoreWebView2SourceChangedEventHandler;
+struct ICoreWebView2StatusBarTextChangedEventHandler;
+struct ICoreWebView2StringCollection;
+struct ICoreWebView2TrySuspendCompletedHandler;
+struct ICoreWebView2WebMessageReceivedEventHandler;
+struct ICoreWebView2WebResourceRequest;
+struct ICoreWebView2WebResourceRequestedEventArgs;
+struct ICoreWebView2WebResourceRequestedEventHandler;
+struct ICoreWebView2WebResourceResponse;
+struct ICoreWebView2WebResourceResponseReceivedEventArgs;
+struct ICoreWebView2WebResourceResponseReceivedEventHandler;
+struct ICoreWebView2WebResourceResponseView;
+struct ICoreWebView2WebResourceResponseViewGetContentCompletedHandler;
+struct ICoreWebView2WindowCloseRequestedEventHandler;
+struct ICoreWebView2ZoomFactorChangedEventHandler;
+struct ICoreWebView2_10;
+struct ICoreWebView2_11;
+struct ICoreWebView2_12;
+struct ICoreWebView2_13;
+struct ICoreWebView2_14;
+struct ICoreWebView2_15;
+struct ICoreWebView2_2;
+struct ICoreWebView2_3;
+struct ICoreWebView2_4;
+struct ICoreWebView2_5;
+struct ICoreWebView2_6;
+struct ICoreWebView2_7;
+struct ICoreWebView2_8;
+struct ICoreWebView2_9;
