@@ -8,11 +8,10 @@
 #include <cstdint>
 #include <string>
 
-#if defined(KELDA_BUILDING_LIBRARY)
-#define KELDA_API __declspec(dllexport)
-#else
-#define KELDA_API __declspec(dllimport)
-#endif
+#include "kelda/api.h"
+#include "kelda/zan_web_browser.h"
+#include "kelda/zan_web_browser_edge.h"
+#include "kelda/zan_web_browser_ie.h"
 
 namespace kelda {
 

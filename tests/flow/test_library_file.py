@@ -11,6 +11,8 @@ LIBRARY = Path(os.environ["KELDA_BIN_DIR"], "kelda.dll")
 OBJDUMP = os.environ["KELDA_OBJDUMP"]
 CXXFILT = OBJDUMP.replace("objdump", "c++filt")
 SYSTEM_MODULES = {"advapi32.dll", "credui.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "urlmon.dll", "user32.dll"}
+BACKENDS = ("ZanWebBrowserEdge", "ZanWebBrowserIE")
+BROWSERS = ("ZanWebBrowser", *BACKENDS)
 HOST_MODULES = {"host_utility.dll", "host_toolkit.dll"}
 
 
@@ -19,12 +21,20 @@ class LibraryFile(unittest.TestCase):
         self.headers = subprocess.run([OBJDUMP, "-p", str(LIBRARY)], check=True,
                                       capture_output=True, text=True).stdout
 
-    def test_exports_exactly_the_two_functions(self) -> None:
+    def test_exports_exactly_what_its_headers_declare(self) -> None:
         table = self.headers.partition("[Ordinal/Name Pointer] Table")[2]
         mangled = re.findall(r"\[ *\d+\] (\S+)", table.partition("\n\n")[0])
         demangled = subprocess.run([CXXFILT, "-n", *mangled], check=True, capture_output=True, text=True).stdout
-        self.assertEqual(sorted(re.sub(r"\(.*", "", name) for name in demangled.splitlines()),
-                         ["kelda::ApplyBasicAuthentication", "kelda::AuthenticateServer"])
+        names = {re.sub(r"\(.*", "", name) for name in demangled.splitlines()}
+        expected = {"kelda::ApplyBasicAuthentication", "kelda::AuthenticateServer", "kelda::ZanWebBrowser::Factory"}
+        for browser in BROWSERS:
+            plain = f"kelda::{browser}"
+            expected |= {f"vtable for {plain}", f"typeinfo for {plain}", f"{plain}::~{browser}"}
+        for browser in BACKENDS:
+            plain = f"kelda::{browser}"
+            expected |= {f"{plain}::{name}" for name in (browser, "InitializeCom", "Create", "Destroy", "Resize",
+                                                         "GetWindowHandle")}
+        self.assertEqual(names, expected)
 
     def test_needs_nothing_but_windows_and_the_host(self) -> None:
         needed = {name.lower() for name in re.findall(r"DLL Name: (\S+)", self.headers)}

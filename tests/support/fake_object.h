@@ -14,25 +14,16 @@
 
 namespace test_support {
 
-/// A counted COM object that starts with one reference, for whoever made it (see `MakeFake`). Answers `IUnknown` and
-/// the first interface; subclasses add others. Records "NAME gone" when the last reference is released.
-template <typename First, typename... Others>
-class FakeObject : public First, public Others... {
+/// The counting of a fake COM object that starts with one reference, for whoever made it (see `MakeFake`). Records
+/// "NAME gone" when the last reference is released. Subclasses answer `QueryInterface`.
+template <typename... Interfaces>
+class CountedFake : public Interfaces... {
   public:
-    explicit FakeObject(std::string name) : name_(std::move(name)) {}
-    virtual ~FakeObject() = default;
-    FakeObject(const FakeObject&) = delete;
-    FakeObject& operator=(const FakeObject&) = delete;
+    explicit CountedFake(std::string name) : name_(std::move(name)) {}
+    virtual ~CountedFake() = default;
+    CountedFake(const CountedFake&) = delete;
+    CountedFake& operator=(const CountedFake&) = delete;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        if (iid == IID_IUnknown || iid == __uuidof(First)) {
-            *object = static_cast<First*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
     ULONG STDMETHODCALLTYPE AddRef() override { return ++count_; }
     ULONG STDMETHODCALLTYPE Release() override {
         const ULONG count = --count_;
@@ -50,6 +41,7 @@ class FakeObject : public First, public Others... {
     }
 
     ULONG Count() const { return count_; }
+    const std::string& Name() const { return name_; }
 
     /// What else happens when the last reference is released.
     std::function<void()> onGone;
@@ -61,6 +53,23 @@ class FakeObject : public First, public Others... {
     std::string name_;
     ULONG count_ = 1;
     LiveFake live_;
+};
+
+/// A fake that answers `IUnknown` and the first interface; subclasses add others.
+template <typename First, typename... Others>
+class FakeObject : public CountedFake<First, Others...> {
+  public:
+    using CountedFake<First, Others...>::CountedFake;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        if (iid == IID_IUnknown || iid == __uuidof(First)) {
+            *object = static_cast<First*>(this);
+            this->AddRef();
+            return S_OK;
+        }
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
 };
 
 /// A new fake, owned by the pointer alone. Without `ComPtr::Attach`: mingw-w64's takes a reference of its own.

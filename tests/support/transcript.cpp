@@ -16,15 +16,6 @@ Lines& Entries() {
     return entries;
 }
 
-void RecordTrace(void* /*context*/, const char* module, const char* component, dp::TraceType type,
-                 const char* text) {
-    std::string entry = "[" + std::to_string(static_cast<int>(type)) + "] " + text;
-    if (std::string_view(module) != "kelda" || std::string_view(component) != "ZanBasicAuthentication") {
-        entry += std::string(" (") + module + "/" + component + ")";
-    }
-    Record(std::move(entry));
-}
-
 } // namespace
 
 void Record(std::string entry) {
@@ -37,10 +28,21 @@ std::string Hexadecimal(unsigned long value) {
     return text.data();
 }
 
-TranscriptTest::TranscriptTest() : livingAtStart_(LiveFake::Count()) {
+void TranscriptTest::RecordTrace(void* self, const char* module, const char* component, dp::TraceType type,
+                                 const char* text) {
+    std::string entry = "[" + std::to_string(static_cast<int>(type)) + "] " + text;
+    if (std::string_view(module) != "kelda" ||
+        std::string_view(component) != static_cast<TranscriptTest*>(self)->component_) {
+        entry += std::string(" (") + module + "/" + component + ")";
+    }
+    Record(std::move(entry));
+}
+
+TranscriptTest::TranscriptTest(const char* component)
+    : component_(component), livingAtStart_(LiveFake::Count()) {
     Entries().clear();
     host_reference::SetTraceOutputEnabled(false);
-    host_reference::SetTraceSink(&RecordTrace, nullptr);
+    host_reference::SetTraceSink(&RecordTrace, this);
 }
 
 TranscriptTest::~TranscriptTest() {

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "dp/merido_tracer.h"
+
 namespace test_support {
 
 using Lines = std::vector<std::string>;
@@ -30,9 +32,10 @@ class LiveFake {
 };
 
 /// Starts with an empty transcript, to which trace lines go as "[type] text", and fails a test that leaves a fake alive.
+/// Lines that do not come from the library's `component` are marked with where they come from.
 class TranscriptTest : public ::testing::Test {
   protected:
-    TranscriptTest();
+    explicit TranscriptTest(const char* component = "ZanBasicAuthentication");
     ~TranscriptTest() override;
     TranscriptTest(const TranscriptTest&) = delete;
     TranscriptTest& operator=(const TranscriptTest&) = delete;
@@ -44,6 +47,10 @@ class TranscriptTest : public ::testing::Test {
     static Lines TakeTraceLines();
 
   private:
+    static void RecordTrace(void* self, const char* module, const char* component, dp::TraceType type,
+                            const char* text);
+
+    const char* component_;
     int livingAtStart_;
 };
 

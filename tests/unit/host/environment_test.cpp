@@ -3,12 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include "scoped_variable.h"
+#include "tests/support/scoped_variable.h"
 
 namespace {
 
-using host_test::ReadVariable;
-using host_test::ScopedVariable;
+using test_support::ReadVariable;
+using test_support::ScopedVariable;
 
 constexpr const char* kName = "HOST_TEST_VARIABLE";
 constexpr const wchar_t* kWideName = L"HOST_TEST_VARIABLE";

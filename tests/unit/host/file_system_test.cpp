@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "du/string_utilities.h"
-#include "scoped_variable.h"
+#include "tests/support/scoped_variable.h"
 
 namespace {
 
@@ -68,7 +68,7 @@ TEST(FileSystem, TempDirIsTheSystemsWithoutTrailingSeparator) {
 }
 
 TEST(FileSystem, TempDirFollowsTheEnvironmentInUtf8) {
-    const host_test::ScopedVariable temp(L"TMP", L"C:\\gr\u00fc\u00df\\temp");
+    const test_support::ScopedVariable temp(L"TMP", L"C:\\gr\u00fc\u00df\\temp");
     EXPECT_EQ(du::FileSystem::GetTempDir(), "C:\\gr\xc3\xbc\xc3\x9f\\temp");
 }
 

@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "scoped_variable.h"
+#include "tests/support/scoped_variable.h"
 
 namespace {
 
-using host_test::ScopedVariable;
+using test_support::ScopedVariable;
 
 constexpr const wchar_t* kApplicationName = L"MERIDO_APPLICATION_NAME";
 constexpr const wchar_t* kLocalPrefsDir = L"MERIDO_USER_PREFS_LOCAL_DIR";

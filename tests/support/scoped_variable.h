@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace host_test {
+namespace test_support {
 
 /// The variable's value as the system has it; `present` tells an empty value from none.
 struct SystemValue {
@@ -41,4 +41,4 @@ class ScopedVariable {
     SystemValue previous_;
 };
 
-} // namespace host_test
+} // namespace test_support

@@ -1,0 +1,67 @@
+// The web browser that the login dialog embeds, as an abstract class with two backends. Included by kelda.h.
+#pragma once
+
+#include <memory>
+
+#include <windows.h>
+
+#include "du/symbol.h"
+#include "kelda/api.h"
+
+namespace kelda {
+
+/// A browser in a window of the caller's, on its way to one address of a document server.
+///
+/// Threading: one thread, the host's UI thread; everything arrives from its message loop.
+/// Lifetime: `InitializeCom`, then `Create` once, `Destroy` once, then release it.
+/// Errors: failing calls are traced (module "kelda") and never thrown.
+class KELDA_API ZanWebBrowser {
+  public:
+    /// What the owner is told. It is called on the browser's thread and must stay until `Destroy`.
+    class Callback {
+      public:
+        virtual void OnNavigationCompleted() = 0;  ///< The page finished loading.
+        virtual void OnSessionAuthenticated() = 0; ///< The page reported a login. Called once at most.
+        virtual void
+        OnSessionAuthenticatedFailed() = 0; ///< Neither backend calls it: a failed page stays in sight.
+
+      protected:
+        Callback() = default;
+        ~Callback() = default;
+        Callback(const Callback&) = default;
+        Callback& operator=(const Callback&) = default;
+    };
+
+    virtual ~ZanWebBrowser();
+    ZanWebBrowser(const ZanWebBrowser&) = delete;
+    ZanWebBrowser& operator=(const ZanWebBrowser&) = delete;
+
+    /// Initialises COM on the calling thread as a single-threaded apartment and traces the outcome.
+    virtual void InitializeCom() = 0;
+
+    /// Makes the browser a child of `parent` and lets it load its address. Returns at once.
+    /// @param callback  Not owned; null is allowed.
+    virtual void Create(Callback* callback, HWND parent) = 0;
+
+    /// Takes the browser down. May be called in any state, and again.
+    virtual void Destroy() = 0;
+
+    /// Fits the browser to the client rectangle of its parent.
+    virtual void Resize() = 0;
+
+    /// The window that the backend keeps for its browser; null where it keeps none.
+    virtual HWND GetWindowHandle() = 0;
+
+    /// Chooses the backend: the legacy browser where the variable MERIDO_ZANWEBBROWSER_IMPLEMENTATION contains "ie", else
+    /// WebView2 where a runtime of version 115 or later is there, else the legacy browser.
+    ///
+    /// @param serverUrl  Address of the server, UTF-8. The path of the page is appended to it as it is.
+    /// @param checkMode  0: the login page. Else: the file that only an authenticated session may fetch.
+    /// @return never null. Throws `std::bad_alloc` only.
+    static std::shared_ptr<ZanWebBrowser> Factory(const du::Symbol& serverUrl, int checkMode);
+
+  protected:
+    ZanWebBrowser() = default;
+};
+
+} // namespace kelda

@@ -1,0 +1,31 @@
+// The browser on the WebView2 runtime. Included by kelda.h.
+#pragma once
+
+#include <memory>
+
+#include "kelda/zan_web_browser.h"
+
+namespace kelda {
+
+/// See `ZanWebBrowser`. Use it directly only where WebView2 is known to be there; `ZanWebBrowser::Factory` finds out.
+///
+/// The parent window's thread must pump messages: the browser comes up in several steps after `Create` has returned.
+/// `GetWindowHandle` answers null, as the runtime does not tell its window. `Resize` before the browser is there does
+/// nothing. The object ends COM on its thread once when it is destroyed, whatever `InitializeCom` has found.
+class KELDA_API ZanWebBrowserEdge : public ZanWebBrowser {
+  public:
+    ZanWebBrowserEdge(const du::Symbol& serverUrl, int checkMode);
+    ~ZanWebBrowserEdge() override;
+
+    void InitializeCom() override;
+    void Create(Callback* callback, HWND parent) override;
+    void Destroy() override;
+    void Resize() override;
+    HWND GetWindowHandle() override;
+
+  private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+} // namespace kelda

@@ -1,0 +1,114 @@
+// What is behind ZanWebBrowserEdge: it holds the runtime's objects, receives its events, and is the page's host object.
+//
+//   impl.cpp          construction, COM, size, the host's calls
+//   environment.cpp   Create: the environment, and the request for a controller
+//   controller.cpp    the controller's arrival: settings, size, host object, document script
+//   events.cpp        the table of event registrations and removals
+//   navigation.cpp    the first navigation, its outcome, what the page may request
+//   trust.cpp         certificates and challenges
+//   host_object.cpp   IDispatch, and the report of the session
+//   teardown.cpp      Destroy
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include <windows.h>
+
+#include <oaidl.h>
+#include <wrl/client.h>
+
+#include "WebView2.h"
+
+#include "browser_edge/dispatch_helper.h"
+#include "browser_edge/web_view_objects.h"
+#include "kelda/zan_web_browser_edge.h"
+#include "support/com_callback.h"
+
+namespace kelda {
+
+/// Lives on the thread that made it. Owned by ZanWebBrowserEdge alone: its COM count decides nothing.
+///
+/// Showing, stopping or closing the browser pumps messages, so that the owner may call in again, or delete this object,
+/// while one of its functions is running: after such a call a function touches only what it holds itself.
+class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDispatchHelper::AuthCallback {
+  public:
+    Impl(const du::Symbol& serverUrl, int checkMode);
+    virtual ~Impl();
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+
+    static void InitializeCom();
+    void Create(Callback* callback, HWND parent);
+    void Destroy();
+    void Resize();
+    HWND GetWindowHandle() const { return windowHandle_; }
+
+    // IDispatch: the host object "external"
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++refCount_; }
+    ULONG STDMETHODCALLTYPE Release() override { return --refCount_; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT nameCount, LCID locale,
+                                            DISPID* ids) override;
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
+                                     VARIANT* result, EXCEPINFO* exception, UINT* wrongArgument) override;
+
+    // ZanWebBrowserDispatchHelper::AuthCallback
+    void OnSessionAuthenticated() override;
+
+  private:
+    struct Event;
+    static constexpr size_t kEventCount = 7;
+    static const std::array<Event, kEventCount> kEvents;
+
+    Microsoft::WRL::ComPtr<ICoreWebView2EnvironmentOptions> MakeEnvironmentOptions() const;
+    Microsoft::WRL::ComPtr<ICoreWebView2ControllerOptions>
+    MakeControllerOptions(const Microsoft::WRL::ComPtr<ICoreWebView2Environment10>& environment) const;
+    HRESULT OnEnvironmentCreated(HRESULT result, ICoreWebView2Environment* environment);
+
+    HRESULT OnControllerCreated(HRESULT result, ICoreWebView2Controller* controller);
+    void TakeController(ICoreWebView2Controller* controller);
+    void ApplySettings(const Microsoft::WRL::ComPtr<ICoreWebView2Settings>& settings) const;
+    void RegisterEvents();
+    void ExposeHostObject();
+    void AddDocumentScript();
+
+    HRESULT OnDocumentScriptAdded(HRESULT result, LPCWSTR id);
+    HRESULT OnNavigationStarting(ICoreWebView2* sender, ICoreWebView2NavigationStartingEventArgs* args);
+    HRESULT OnNavigationCompleted(ICoreWebView2* sender, ICoreWebView2NavigationCompletedEventArgs* args);
+    HRESULT OnWebResourceRequested(ICoreWebView2* sender, ICoreWebView2WebResourceRequestedEventArgs* args);
+    HRESULT OnWebResourceResponseReceived(ICoreWebView2* sender,
+                                          ICoreWebView2WebResourceResponseReceivedEventArgs* args);
+    HRESULT OnBasicAuthenticationRequested(ICoreWebView2* sender,
+                                           ICoreWebView2BasicAuthenticationRequestedEventArgs* args);
+    HRESULT OnServerCertificateErrorDetected(ICoreWebView2* sender,
+                                             ICoreWebView2ServerCertificateErrorDetectedEventArgs* args);
+    HRESULT OnClientCertificateRequested(ICoreWebView2* sender,
+                                         ICoreWebView2ClientCertificateRequestedEventArgs* args);
+
+    void StopListening();
+    HRESULT UnregisterEvents(const WebViewObjects& objects) const;
+
+    bool verboseTrace_;
+    bool allowSingleSignOn_;
+    bool inPrivate_;
+    bool devTools_;
+    WebViewObjects objects_;
+    Microsoft::WRL::ComPtr<ICoreWebView2CookieManager>
+        cookieManager_; // kept until the very end, teardown or not
+    std::array<EventRegistrationToken, kEventCount> tokens_{};
+    std::wstring scriptId_;
+    du::Symbol url_;
+    std::uint32_t refCount_ = 0;
+    HWND parent_ = nullptr;
+    HWND windowHandle_ = nullptr; // the runtime does not tell it
+    Callback* callback_ = nullptr;
+    int mode_;
+    ZanWebBrowserDispatchHelper dispatchHelper_{this};
+    CallbackTarget<Impl> target_; // what the callbacks of the present browser know of this object
+};
+
+} // namespace kelda

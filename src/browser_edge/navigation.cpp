@@ -1,0 +1,90 @@
+// The first navigation, its outcome, and what is requested on the way.
+#include <string_view>
+
+#include "browser_edge/impl.h"
+#include "du/string_utilities.h"
+#include "support/com_call.h"
+#include "support/com_text.h"
+#include "support/failed_call.h"
+#include "support/trace.h"
+
+using Microsoft::WRL::ComPtr;
+
+namespace kelda {
+namespace {
+
+constexpr const wchar_t* kFirstRequestHeaders = L"Accept: */*\r\nPragma: no-cache\r\n";
+constexpr std::wstring_view kScriptUrl = L"javascript:void(0)";
+
+} // namespace
+
+HRESULT ZanWebBrowserEdge::Impl::OnDocumentScriptAdded(HRESULT result, LPCWSTR id) {
+    if (!Succeeded(result, "ICoreWebView2AddScriptToExecuteOnDocumentCreatedCompletedHandler")) {
+        return S_OK;
+    }
+    scriptId_ = id != nullptr ? id : L"";
+    const std::wstring url = du::Utf8ToWideStr(url_.safe_c_str());
+    if (verboseTrace_) {
+        kWebBrowserEdgeTrace.Info() << "Navigating to " << url_.safe_c_str();
+    }
+    ComPtr<ICoreWebView2WebResourceRequest> request;
+    Succeeded(CallOn(objects_.environment2, &ICoreWebView2Environment2::CreateWebResourceRequest, url.c_str(),
+                     L"GET", nullptr, kFirstRequestHeaders, request.GetAddressOf()),
+              "CreateWebResourceRequest");
+    // Also without a request, so that the trace shows both.
+    Succeeded(CallOn(objects_.webView15, &ICoreWebView2_15::NavigateWithWebResourceRequest, request.Get()),
+              "NavigateWithWebResourceRequest");
+    return S_OK;
+}
+
+HRESULT ZanWebBrowserEdge::Impl::OnNavigationStarting(ICoreWebView2* /*sender*/,
+                                                      ICoreWebView2NavigationStartingEventArgs* args) {
+    ComText uri;
+    args->get_Uri(ReceiveText(uri));
+    if (uri != nullptr && std::wstring_view(uri.get()).find(kScriptUrl) != std::wstring_view::npos) {
+        args->put_Cancel(TRUE);
+    }
+    return S_OK;
+}
+
+// The server wants this one value, whatever the kind of the resource.
+HRESULT ZanWebBrowserEdge::Impl::OnWebResourceRequested(ICoreWebView2* /*sender*/,
+                                                        ICoreWebView2WebResourceRequestedEventArgs* args) {
+    COREWEBVIEW2_WEB_RESOURCE_CONTEXT context{};
+    args->get_ResourceContext(&context);
+    ComPtr<ICoreWebView2WebResourceRequest> request;
+    args->get_Request(request.GetAddressOf());
+    ComPtr<ICoreWebView2HttpRequestHeaders> headers;
+    CallOn(request, &ICoreWebView2WebResourceRequest::get_Headers, headers.GetAddressOf());
+    CallOn(headers, &ICoreWebView2HttpRequestHeaders::SetHeader, L"Accept", L"*/*");
+    return S_OK;
+}
+
+HRESULT ZanWebBrowserEdge::Impl::OnNavigationCompleted(ICoreWebView2* /*sender*/,
+                                                       ICoreWebView2NavigationCompletedEventArgs* args) {
+    BOOL success = FALSE;
+    if (FAILED(args->get_IsSuccess(&success))) {
+        return S_OK;
+    }
+    if (success == FALSE) {
+        kWebBrowserEdgeTrace.Info()
+            << "Navigation failed. Leaving Edge control visible for user to read message";
+        return S_OK;
+    }
+    if (callback_ != nullptr) {
+        if (mode_ == 0) {
+            callback_->OnNavigationCompleted();
+        } else {
+            OnSessionAuthenticated(); // only an authenticated session gets the check's file
+        }
+    }
+    return S_OK;
+}
+
+// Responses are not looked at yet.
+HRESULT ZanWebBrowserEdge::Impl::OnWebResourceResponseReceived(
+    ICoreWebView2* /*sender*/, ICoreWebView2WebResourceResponseReceivedEventArgs* /*args*/) {
+    return S_OK;
+}
+
+} // namespace kelda

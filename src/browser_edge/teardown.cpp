@@ -1,0 +1,54 @@
+// Teardown of the browser, in whatever state it is.
+#include <utility>
+
+#include "browser_edge/impl.h"
+#include "support/com_call.h"
+#include "support/failed_call.h"
+
+namespace kelda {
+
+// Everything is taken out of this object first: stopping and closing pump messages, in which the owner may call Destroy
+// again, which then finds nothing to do, or delete this object.
+void ZanWebBrowserEdge::Impl::Destroy() {
+    StopListening();
+    callback_ = nullptr;
+    WebViewObjects objects = std::move(objects_);
+    const std::wstring scriptId = std::exchange(scriptId_, {});
+
+    HRESULT status = S_OK;
+    if (objects.webView) {
+        UnregisterEvents(objects);
+        status = CallOn(objects.webView, &ICoreWebView2::RemoveHostObjectFromScript, L"external");
+        Succeeded(status, "RemoveHostObjectFromScript");
+    }
+    if (!scriptId.empty()) {
+        status =
+            CallOn(objects.webView, &ICoreWebView2::RemoveScriptToExecuteOnDocumentCreated, scriptId.c_str());
+        Succeeded(status, "RemoveScriptToExecuteOnDocumentCreated");
+    }
+    if (objects.webView) {
+        status = CallOn(objects.webView, &ICoreWebView2::Stop);
+        Succeeded(status, "WebView2 Stop()");
+    }
+    if (objects.controller) {
+        // What Close returns is not kept: the line tells the status of the step before. Support knows it that way.
+        CallOn(objects.controller, &ICoreWebView2Controller::Close);
+        Succeeded(status, "WebView2 Close()");
+        objects.controller.Reset();
+    }
+    objects.webView.Reset();
+    objects.webView2.Reset();
+    objects.webView5.Reset();
+    objects.webView14.Reset();
+    objects.webView15.Reset();
+    objects.environment.Reset();
+    objects.environment2.Reset();
+}
+
+void ZanWebBrowserEdge::Impl::StopListening() {
+    if (target_) {
+        *target_ = nullptr;
+    }
+}
+
+} // namespace kelda

@@ -1,0 +1,45 @@
+// The choice of the profile's folder.
+#include "browser_edge/user_data_folder.h"
+
+#include "dp/environment.h"
+#include "dp/merido_info.h"
+#include "du/file_system.h"
+#include "support/trace.h"
+
+namespace kelda {
+namespace {
+
+constexpr const char* kProfileDirectory = "zanwbe";
+
+/// One user's temporary directory serves all applications of all makers, so that the path tells whose folder it is. The
+/// preferences directory is the application's own.
+std::string BelowTemporaryDirectory() {
+    du::FileSpec folder;
+    folder.SetLocation(du::FileSystem::GetTempDir());
+    folder.PushDirectory("norv");
+    folder.PushDirectory(kProfileDirectory);
+    folder.PushDirectory(dp::MeridoInfo::GetApplicationName());
+    return folder.GetPath();
+}
+
+} // namespace
+
+std::string ChooseUserDataFolder() {
+    std::string folder = dp::Environment::Get("MERIDO_WEBVIEW2_USER_DATA_FOLDER");
+    if (!folder.empty()) {
+        kWebBrowserEdgeTrace.Info() << "Using WebView2 user data folder from environment: " << folder;
+        return folder;
+    }
+    std::string preferences;
+    if (dp::MeridoInfo::GetMeridoUserPrefsLocalDir(preferences)) {
+        du::FileSpec spec;
+        spec.SetLocation(preferences);
+        spec.PushDirectory(kProfileDirectory);
+        return spec.GetPath();
+    }
+    folder = BelowTemporaryDirectory();
+    kWebBrowserEdgeTrace.Info() << "Could not find user data folder, using " << folder;
+    return folder;
+}
+
+} // namespace kelda

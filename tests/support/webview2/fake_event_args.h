@@ -1,0 +1,162 @@
+// Fakes of the events' arguments; tests set what they say and read what handlers decided.
+#pragma once
+
+#include <cwchar>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <objbase.h>
+#include <wrl/client.h>
+
+#include "tests/support/webview2/fake_runtime_object.h"
+
+namespace test_support {
+
+/// A copy for a caller who frees it.
+inline wchar_t* ComCopy(const std::wstring& text) {
+    auto* const copy = static_cast<wchar_t*>(CoTaskMemAlloc((text.size() + 1) * sizeof(wchar_t)));
+    wcscpy_s(copy, text.size() + 1, text.c_str());
+    return copy;
+}
+
+class FakeNavigationStartingArgs final : public FakeRuntimeObject<ICoreWebView2NavigationStartingEventArgs> {
+  public:
+    FakeNavigationStartingArgs(RuntimeScript& script, std::wstring uri)
+        : FakeRuntimeObject(script, "args"), uri_(std::move(uri)) {}
+
+    HRESULT STDMETHODCALLTYPE get_Uri(LPWSTR* uri) override {
+        const HRESULT result = Called("get_Uri");
+        *uri = SUCCEEDED(result) ? ComCopy(uri_) : nullptr;
+        return result;
+    }
+    HRESULT STDMETHODCALLTYPE put_Cancel(BOOL cancel) override {
+        return Called("put_Cancel", std::to_string(cancel));
+    }
+
+  private:
+    std::wstring uri_;
+};
+
+class FakeNavigationCompletedArgs final
+    : public FakeRuntimeObject<ICoreWebView2NavigationCompletedEventArgs> {
+  public:
+    explicit FakeNavigationCompletedArgs(RuntimeScript& script, bool success = true)
+        : FakeRuntimeObject(script, "args"), success_(success) {}
+
+    HRESULT STDMETHODCALLTYPE get_IsSuccess(BOOL* success) override {
+        *success = success_ ? TRUE : FALSE;
+        return Called("get_IsSuccess");
+    }
+
+  private:
+    bool success_;
+};
+
+class FakeRequestHeaders final : public FakeRuntimeObject<ICoreWebView2HttpRequestHeaders> {
+  public:
+    using FakeRuntimeObject::FakeRuntimeObject;
+
+    HRESULT STDMETHODCALLTYPE SetHeader(LPCWSTR name, LPCWSTR value) override {
+        return Called("SetHeader", Narrow(name) + ": " + Narrow(value));
+    }
+};
+
+class FakeRequested final : public FakeRuntimeObject<ICoreWebView2WebResourceRequest> {
+  public:
+    using FakeRuntimeObject::FakeRuntimeObject;
+
+    HRESULT STDMETHODCALLTYPE get_Headers(ICoreWebView2HttpRequestHeaders** headers) override {
+        return GiveObject(
+            "get_Headers", "", [this] { return new FakeRequestHeaders(Script(), "headers"); }, headers);
+    }
+};
+
+class FakeWebResourceRequestedArgs final
+    : public FakeRuntimeObject<ICoreWebView2WebResourceRequestedEventArgs> {
+  public:
+    explicit FakeWebResourceRequestedArgs(RuntimeScript& script) : FakeRuntimeObject(script, "args") {}
+
+    HRESULT STDMETHODCALLTYPE get_ResourceContext(COREWEBVIEW2_WEB_RESOURCE_CONTEXT* context) override {
+        *context = COREWEBVIEW2_WEB_RESOURCE_CONTEXT_IMAGE;
+        return Called("get_ResourceContext");
+    }
+    HRESULT STDMETHODCALLTYPE get_Request(ICoreWebView2WebResourceRequest** request) override {
+        return GiveObject(
+            "get_Request", "", [this] { return new FakeRequested(Script(), "request"); }, request);
+    }
+};
+
+class FakeServerCertificateArgs final
+    : public FakeRuntimeObject<ICoreWebView2ServerCertificateErrorDetectedEventArgs> {
+  public:
+    FakeServerCertificateArgs(RuntimeScript& script, COREWEBVIEW2_WEB_ERROR_STATUS status)
+        : FakeRuntimeObject(script, "args"), status_(status) {}
+
+    HRESULT STDMETHODCALLTYPE get_ErrorStatus(COREWEBVIEW2_WEB_ERROR_STATUS* status) override {
+        *status = status_;
+        return Called("get_ErrorStatus");
+    }
+    HRESULT STDMETHODCALLTYPE put_Action(COREWEBVIEW2_SERVER_CERTIFICATE_ERROR_ACTION action) override {
+        return Called("put_Action", std::to_string(action));
+    }
+
+  private:
+    COREWEBVIEW2_WEB_ERROR_STATUS status_;
+};
+
+class FakeClientCertificate final : public FakeRuntimeObject<ICoreWebView2ClientCertificate> {
+  public:
+    using FakeRuntimeObject::FakeRuntimeObject;
+};
+
+class FakeClientCertificates final : public FakeRuntimeObject<ICoreWebView2ClientCertificateCollection> {
+  public:
+    FakeClientCertificates(RuntimeScript& script, UINT32 count)
+        : FakeRuntimeObject(script, "certificates"), count_(count) {}
+
+    HRESULT STDMETHODCALLTYPE get_Count(UINT32* count) override {
+        *count = count_;
+        return Called("get_Count");
+    }
+    HRESULT STDMETHODCALLTYPE GetValueAtIndex(UINT32 index,
+                                              ICoreWebView2ClientCertificate** certificate) override {
+        return GiveObject(
+            "GetValueAtIndex", std::to_string(index),
+            [this] { return new FakeClientCertificate(Script(), "certificate"); }, certificate);
+    }
+
+  private:
+    UINT32 count_;
+};
+
+class FakeClientCertificateArgs final
+    : public FakeRuntimeObject<ICoreWebView2ClientCertificateRequestedEventArgs> {
+  public:
+    FakeClientCertificateArgs(RuntimeScript& script, UINT32 count)
+        : FakeRuntimeObject(script, "args"), count_(count) {}
+
+    HRESULT STDMETHODCALLTYPE
+    get_MutuallyTrustedCertificates(ICoreWebView2ClientCertificateCollection** certificates) override {
+        return GiveObject(
+            "get_MutuallyTrustedCertificates", "",
+            [this] { return new FakeClientCertificates(Script(), count_); }, certificates);
+    }
+    HRESULT STDMETHODCALLTYPE put_SelectedCertificate(ICoreWebView2ClientCertificate* certificate) override {
+        return Called("put_SelectedCertificate", certificate != nullptr ? "certificate" : "(null)");
+    }
+    HRESULT STDMETHODCALLTYPE put_Handled(BOOL handled) override {
+        return Called("put_Handled", std::to_string(handled));
+    }
+
+  private:
+    UINT32 count_;
+};
+
+class FakeBasicAuthenticationArgs final
+    : public FakeRuntimeObject<ICoreWebView2BasicAuthenticationRequestedEventArgs> {
+  public:
+    explicit FakeBasicAuthenticationArgs(RuntimeScript& script) : FakeRuntimeObject(script, "args") {}
+};
+
+} // namespace test_support

@@ -1,0 +1,51 @@
+// A WebView2 runtime whose every step a test takes itself. It stands where the loader would: a test program that links it
+// links no loader.
+#pragma once
+
+#include <string>
+
+#include <wrl/client.h>
+
+#include "tests/support/webview2/fake_controller.h"
+#include "tests/support/webview2/fake_environment.h"
+#include "tests/support/webview2/runtime_script.h"
+
+namespace test_support {
+
+/// There may be one at a time.
+class FakeRuntime {
+  public:
+    FakeRuntime();
+    ~FakeRuntime();
+    FakeRuntime(const FakeRuntime&) = delete;
+    FakeRuntime& operator=(const FakeRuntime&) = delete;
+
+    RuntimeScript script;
+
+    /// The version that the loader answers; empty: none is given.
+    std::wstring version = L"146.0.3856.49";
+
+    /// The text that was handed out for it last.
+    const void* versionGiven = nullptr;
+
+    /// The options that an environment was asked for with.
+    Microsoft::WRL::ComPtr<ICoreWebView2EnvironmentOptions> options;
+
+    // Completions that were asked for, until a test calls them.
+    Microsoft::WRL::ComPtr<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler> environmentCreated;
+    ControllerCreated controllerCreated;
+    FakeWebViewState webView;
+
+    // Each fails a test where somebody keeps the completion after it was called.
+    HRESULT CompleteEnvironment(HRESULT result = S_OK);
+    HRESULT CompleteController(HRESULT result = S_OK);
+    HRESULT CompleteScript(HRESULT result = S_OK, const wchar_t* id = L"script-1");
+
+    // What the loader's functions do while this runtime is there.
+    HRESULT GetVersion(const wchar_t* browserFolder, wchar_t** result);
+    HRESULT CreateEnvironment(const wchar_t* browserFolder, const wchar_t* userDataFolder,
+                              ICoreWebView2EnvironmentOptions* environmentOptions,
+                              ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler* handler);
+};
+
+} // namespace test_support

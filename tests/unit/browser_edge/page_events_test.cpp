@@ -1,0 +1,265 @@
+// What the browser decides while pages load: navigations, request headers, certificates and challenges.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "edge_browser_test.h"
+#include "tests/support/webview2/fake_event_args.h"
+
+using test_support::Lines;
+using test_support::MakeFake;
+using test_support::ScopedVariable;
+
+namespace kelda {
+namespace {
+
+/// A browser that has come up, and the events of its pages.
+class PageEvents : public EdgeBrowserTest {
+  protected:
+    /// What the handler did with the arguments, which it must not keep.
+    template <typename Handler, typename Args>
+    Lines Raise(const std::string& event, Microsoft::WRL::ComPtr<Args> args) {
+        auto* const handler = runtime.webView.HandlerOf<Handler>(event);
+        if (handler == nullptr) {
+            ADD_FAILURE() << "no handler for " << event;
+            return {};
+        }
+        EXPECT_EQ(handler->Invoke(nullptr, args.Get()), S_OK);
+        Lines lines = TakeTranscript();
+        EXPECT_EQ(args.Reset(), 0U) << "the arguments are still referenced";
+        TakeTranscript();
+        return lines;
+    }
+
+    Lines NavigationTo(const wchar_t* uri) {
+        return Raise<ICoreWebView2NavigationStartingEventHandler>(
+            "NavigationStarting", MakeFake<test_support::FakeNavigationStartingArgs>(runtime.script, uri));
+    }
+    Lines Completed(bool success) {
+        return Raise<ICoreWebView2NavigationCompletedEventHandler>(
+            "NavigationCompleted",
+            MakeFake<test_support::FakeNavigationCompletedArgs>(runtime.script, success));
+    }
+    Lines ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS status) {
+        return Raise<ICoreWebView2ServerCertificateErrorDetectedEventHandler>(
+            "ServerCertificateErrorDetected",
+            MakeFake<test_support::FakeServerCertificateArgs>(runtime.script, status));
+    }
+    Lines ClientCertificates(UINT32 count) {
+        return Raise<ICoreWebView2ClientCertificateRequestedEventHandler>(
+            "ClientCertificateRequested",
+            MakeFake<test_support::FakeClientCertificateArgs>(runtime.script, count));
+    }
+    Lines Requested() {
+        return Raise<ICoreWebView2WebResourceRequestedEventHandler>(
+            "WebResourceRequested", MakeFake<test_support::FakeWebResourceRequestedArgs>(runtime.script));
+    }
+};
+
+TEST_F(PageEvents, ANavigationToTheEmptyScriptIsCancelledWhereverItStandsInTheAddress) {
+    BringUp();
+    EXPECT_EQ(NavigationTo(L"javascript:void(0)"), (Lines{"args.get_Uri", "args.put_Cancel 1"}));
+    EXPECT_EQ(NavigationTo(L"http://server/?next=javascript:void(0);x"),
+              (Lines{"args.get_Uri", "args.put_Cancel 1"}));
+}
+
+TEST_F(PageEvents, EveryOtherNavigationProceeds) {
+    BringUp();
+    for (const wchar_t* uri : {L"http://server/", L"JavaScript:void(0)", L"javascript:void(1)", L""}) {
+        EXPECT_EQ(NavigationTo(uri), Lines{"args.get_Uri"});
+    }
+}
+
+TEST_F(PageEvents, ANavigationWithoutAnAddressProceeds) {
+    BringUp();
+    runtime.script.answers["args.get_Uri"] = E_FAIL;
+    EXPECT_EQ(NavigationTo(L"javascript:void(0)"), Lines{"args.get_Uri"});
+}
+
+TEST_F(PageEvents, EveryRequestAcceptsEverything) {
+    BringUp();
+    EXPECT_EQ(Requested(), (Lines{"args.get_ResourceContext", "args.get_Request", "request.get_Headers",
+                                  "headers.SetHeader Accept: */*", "headers gone", "request gone"}));
+}
+
+TEST_F(PageEvents, ARequestThatCannotBeReadIsLeftAlone) {
+    BringUp();
+    runtime.script.answers["args.get_ResourceContext"] = E_FAIL;
+    runtime.script.answers["request.get_Headers"] = E_FAIL;
+    EXPECT_EQ(Requested(),
+              (Lines{"args.get_ResourceContext", "args.get_Request", "request.get_Headers", "request gone"}));
+    runtime.script.answers["args.get_Request"] = E_FAIL;
+    EXPECT_EQ(Requested(), (Lines{"args.get_ResourceContext", "args.get_Request"}));
+}
+
+TEST_F(PageEvents, ACompletedLoginPageIsToldToTheOwnerEachTime) {
+    BringUp();
+    EXPECT_EQ(Completed(true), (Lines{"args.get_IsSuccess", "OnNavigationCompleted"}));
+    EXPECT_EQ(Completed(true), (Lines{"args.get_IsSuccess", "OnNavigationCompleted"}));
+}
+
+TEST_F(PageEvents, ACompletedCheckIsALoginAndIsToldOnce) {
+    BringUp(1);
+    EXPECT_EQ(Completed(true),
+              (Lines{"args.get_IsSuccess", "[0] OnSessionAuthenticated();", "OnSessionAuthenticated"}));
+    EXPECT_EQ(Completed(true), Lines{"args.get_IsSuccess"});
+}
+
+TEST_F(PageEvents, AFailedNavigationIsTracedAndToldToNobody) {
+    for (const int checkMode : {0, 1}) {
+        BringUp(checkMode);
+        EXPECT_EQ(Completed(false),
+                  (Lines{"args.get_IsSuccess",
+                         "[0] Navigation failed. Leaving Edge control visible for user to read message"}));
+        browser->Destroy();
+    }
+}
+
+TEST_F(PageEvents, ACompletionThatCannotBeReadChangesNothing) {
+    BringUp();
+    runtime.script.answers["args.get_IsSuccess"] = E_FAIL;
+    EXPECT_EQ(Completed(true), Lines{"args.get_IsSuccess"});
+    EXPECT_EQ(Completed(false), Lines{"args.get_IsSuccess"});
+}
+
+/// An owner that lets go of the browser when the page has loaded.
+class ClosingOwner final : public ZanWebBrowser::Callback {
+  public:
+    explicit ClosingOwner(std::unique_ptr<ZanWebBrowserEdge>& browser) : browser_(browser) {}
+    void OnNavigationCompleted() override {
+        browser_->Destroy();
+        browser_.reset();
+    }
+    void OnSessionAuthenticated() override {}
+    void OnSessionAuthenticatedFailed() override {}
+
+  private:
+    std::unique_ptr<ZanWebBrowserEdge>& browser_;
+};
+
+TEST_F(PageEvents, AnOwnerMayDeleteTheBrowserWhenItIsToldOfTheLoad) {
+    ClosingOwner closing(browser);
+    MakeBrowser();
+    browser->Create(&closing, parent);
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    runtime.CompleteScript();
+    TakeTranscript();
+    const auto args = MakeFake<test_support::FakeNavigationCompletedArgs>(runtime.script, true);
+    // The runtime holds the handler while it calls it.
+    const Microsoft::WRL::ComPtr<ICoreWebView2NavigationCompletedEventHandler> handler =
+        runtime.webView.HandlerOf<ICoreWebView2NavigationCompletedEventHandler>("NavigationCompleted");
+    runtime.webView.handlers.erase("NavigationCompleted");
+    EXPECT_EQ(handler->Invoke(nullptr, args.Get()), S_OK);
+    EXPECT_EQ(browser, nullptr);
+}
+
+TEST_F(PageEvents, AnOwnerThatThrowsDoesNotReachTheRuntime) {
+    class ThrowingOwner final : public ZanWebBrowser::Callback {
+      public:
+        void OnNavigationCompleted() override { throw std::runtime_error("no owner today"); }
+        void OnSessionAuthenticated() override {}
+        void OnSessionAuthenticatedFailed() override {}
+    } throwing;
+    MakeBrowser();
+    browser->Create(&throwing, parent);
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    runtime.CompleteScript();
+    TakeTranscript();
+    const auto args = MakeFake<test_support::FakeNavigationCompletedArgs>(runtime.script, true);
+    auto* const handler =
+        runtime.webView.HandlerOf<ICoreWebView2NavigationCompletedEventHandler>("NavigationCompleted");
+    EXPECT_EQ(handler->Invoke(nullptr, args.Get()), E_FAIL);
+    EXPECT_EQ(TakeTraceLines(), Lines{"[0] Failed: no owner today error code: -2147467259"});
+}
+
+TEST_F(PageEvents, ABadServerCertificateIsRefused) {
+    BringUp();
+    EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_EXPIRED),
+              (Lines{"args.get_ErrorStatus", "[0] Invalid server certificate (2 ); cancelling request",
+                     "args.put_Action 1"}));
+}
+
+TEST_F(PageEvents, ExpiredAndInvalidCertificatesAreAllowedWhereTheVariableSaysSo) {
+    BringUp();
+    for (const wchar_t* value : {L"true", L"TRUE", L"True"}) {
+        const ScopedVariable variable(L"MERIDO_IGNORE_CERT_INVALID", value);
+        EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_EXPIRED),
+                  (Lines{"args.get_ErrorStatus", "[0] Allowing invalid/expired certificate (2)",
+                         "args.put_Action 0"}));
+        EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_IS_INVALID),
+                  (Lines{"args.get_ErrorStatus", "[0] Allowing invalid/expired certificate (5)",
+                         "args.put_Action 0"}));
+    }
+}
+
+TEST_F(PageEvents, NoOtherValueAndNoOtherFaultOfACertificateIsAllowed) {
+    BringUp();
+    for (const wchar_t* value : {L"yes", L"1", L"true ", L"truetrue"}) {
+        const ScopedVariable variable(L"MERIDO_IGNORE_CERT_INVALID", value);
+        EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_EXPIRED).back(),
+                  "args.put_Action 1");
+    }
+    const ScopedVariable variable(L"MERIDO_IGNORE_CERT_INVALID", L"true");
+    for (const auto status :
+         {COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_COMMON_NAME_IS_INCORRECT,
+          COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_REVOKED, COREWEBVIEW2_WEB_ERROR_STATUS_UNKNOWN}) {
+        EXPECT_EQ(ServerCertificate(status).back(), "args.put_Action 1");
+    }
+}
+
+TEST_F(PageEvents, TheOnlyMatchingClientCertificateIsTaken) {
+    BringUp();
+    EXPECT_EQ(ClientCertificates(1),
+              (Lines{"args.get_MutuallyTrustedCertificates", "certificates.get_Count",
+                     "[0] Client certificate requested; found 1 matching cert(s)",
+                     "certificates.GetValueAtIndex 0", "args.put_SelectedCertificate certificate",
+                     "certificate gone", "args.put_Handled 1", "certificates gone"}));
+}
+
+TEST_F(PageEvents, WithoutAClientCertificateTheRequestGoesOn) {
+    BringUp();
+    EXPECT_EQ(ClientCertificates(0), (Lines{"args.get_MutuallyTrustedCertificates", "certificates.get_Count",
+                                            "[0] Client certificate requested; found 0 matching cert(s)",
+                                            "args.put_Handled 1", "certificates gone"}));
+}
+
+TEST_F(PageEvents, AmongSeveralClientCertificatesTheRuntimesDialogDecides) {
+    BringUp();
+    EXPECT_EQ(ClientCertificates(2), (Lines{"args.get_MutuallyTrustedCertificates", "certificates.get_Count",
+                                            "[0] Client certificate requested; found 2 matching cert(s)",
+                                            "args.put_Handled 0", "certificates gone"}));
+}
+
+TEST_F(PageEvents, ClientCertificatesThatCannotBeListedCountAsNone) {
+    BringUp();
+    runtime.script.answers["args.get_MutuallyTrustedCertificates"] = E_FAIL;
+    EXPECT_EQ(ClientCertificates(3),
+              (Lines{"args.get_MutuallyTrustedCertificates",
+                     "[0] Client certificate requested; found 0 matching cert(s)", "args.put_Handled 1"}));
+}
+
+TEST_F(PageEvents, AChallengeIsTracedAndLeftToTheRuntime) {
+    BringUp();
+    const Lines lines = Raise<ICoreWebView2BasicAuthenticationRequestedEventHandler>(
+        "BasicAuthenticationRequested", MakeFake<test_support::FakeBasicAuthenticationArgs>(runtime.script));
+    EXPECT_EQ(lines, Lines{"[0] Unexpected Basic Auth request"});
+}
+
+TEST_F(PageEvents, TheFirstRequestThatCannotBeMadeIsTracedTogetherWithTheNavigationWithoutIt) {
+    runtime.script.answers["environment2.CreateWebResourceRequest"] = E_INVALIDARG;
+    runtime.script.answers["webView15.NavigateWithWebResourceRequest"] = E_POINTER;
+    MakeBrowser();
+    Create();
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    TakeTranscript();
+    EXPECT_EQ(runtime.CompleteScript(), S_OK);
+    EXPECT_EQ(TakeTraceLines(),
+              (Lines{"[0] Failed: CreateWebResourceRequest error code: -2147024809",
+                     "[0] Failed: NavigateWithWebResourceRequest error code: -2147467261"}));
+}
+
+} // namespace
+} // namespace kelda

@@ -1,0 +1,270 @@
+// Teardown: its calls in order, in every state, twice, from inside itself, and what comes after it.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "edge_browser_test.h"
+#include "tests/support/webview2/fake_event_args.h"
+
+using Microsoft::WRL::ComPtr;
+using test_support::Lines;
+using test_support::MakeFake;
+
+namespace kelda {
+namespace {
+
+using Teardown = EdgeBrowserTest;
+
+const Lines kRemovals = {
+    "webView14.remove_ServerCertificateErrorDetected its token",
+    "webView5.remove_ClientCertificateRequested its token",
+    "webView.remove_WebResourceRequested its token",
+    "webView.remove_NavigationStarting its token",
+    "webView15.remove_WebResourceResponseReceived its token",
+    "webView15.remove_BasicAuthenticationRequested its token",
+    "webView.remove_NavigationCompleted its token",
+    "webView.RemoveHostObjectFromScript external",
+};
+
+const Lines kReleases = {
+    "controller gone", "webView gone",   "webView2 gone",    "webView5 gone",
+    "webView14 gone",  "webView15 gone", "environment gone", "environment2 gone",
+};
+
+Lines operator+(Lines first, const Lines& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+const Lines kWhole =
+    kRemovals +
+    Lines{"webView.RemoveScriptToExecuteOnDocumentCreated script-1", "webView.Stop", "controller.Close"} +
+    kReleases;
+
+TEST_F(Teardown, OfANavigatingBrowserGoesThroughItsCallsInOrder) {
+    BringUp();
+    browser->Destroy();
+    EXPECT_EQ(TakeTranscript(), kWhole);
+}
+
+TEST_F(Teardown, ASecondOneFindsNothingToDo) {
+    BringUp();
+    browser->Destroy();
+    TakeTranscript();
+    browser->Destroy();
+    EXPECT_EQ(TakeTranscript(), Lines{});
+}
+
+TEST_F(Teardown, BeforeCreationDoesNothing) {
+    MakeBrowser();
+    browser->Destroy();
+    EXPECT_EQ(TakeTranscript(), Lines{});
+}
+
+TEST_F(Teardown, WhileTheEnvironmentIsPendingDoesNothing) {
+    MakeBrowser();
+    Create();
+    TakeTranscript();
+    browser->Destroy();
+    EXPECT_EQ(TakeTranscript(), Lines{});
+}
+
+TEST_F(Teardown, BeforeTheControllerHasArrivedOnlyReleases) {
+    MakeBrowser();
+    Create();
+    runtime.CompleteEnvironment();
+    TakeTranscript();
+    browser->Destroy();
+    EXPECT_EQ(TakeTranscript(), (Lines{"environment gone", "environment2 gone"}));
+}
+
+TEST_F(Teardown, BeforeTheScriptIsRegisteredHasNoScriptToRemove) {
+    MakeBrowser();
+    Create();
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    TakeTranscript();
+    browser->Destroy();
+    EXPECT_EQ(TakeTranscript(), (kRemovals + Lines{"webView.Stop", "controller.Close"} + kReleases));
+}
+
+TEST_F(Teardown, AfterAScriptWithoutAnIdHasNoScriptToRemove) {
+    MakeBrowser();
+    Create();
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    runtime.CompleteScript(S_OK, nullptr);
+    TakeTranscript();
+    browser->Destroy();
+    EXPECT_EQ(TakeTranscript(), (kRemovals + Lines{"webView.Stop", "controller.Close"} + kReleases));
+}
+
+TEST_F(Teardown, TheLineOfCloseTellsTheStatusOfStop) {
+    BringUp();
+    runtime.script.answers["webView.Stop"] = E_ABORT;
+    browser->Destroy();
+    EXPECT_EQ(TakeTraceLines(), (Lines{"[0] Failed: WebView2 Stop() error code: -2147467260",
+                                       "[0] Failed: WebView2 Close() error code: -2147467260"}));
+}
+
+TEST_F(Teardown, AFailureOfCloseItselfIsNotTraced) {
+    BringUp();
+    runtime.script.answers["controller.Close"] = E_FAIL;
+    browser->Destroy();
+    EXPECT_EQ(TakeTranscript(), kWhole);
+}
+
+TEST_F(Teardown, WithoutAWebViewTheControllerIsClosedAllTheSame) {
+    runtime.script.answers["controller.get_CoreWebView2"] = E_FAIL;
+    MakeBrowser();
+    Create();
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    TakeTranscript();
+    browser->Destroy();
+    EXPECT_EQ(TakeTranscript(),
+              (Lines{"controller.Close", "controller gone", "environment gone", "environment2 gone"}));
+}
+
+TEST_F(Teardown, FromInsideCloseFindsNothingToDo) {
+    BringUp();
+    runtime.script.during["controller.Close"] = [this] {
+        browser->Destroy();
+        browser->Resize();
+    };
+    browser->Destroy();
+    Lines expected = kWhole;
+    expected.insert(expected.begin() + 11, "GetClientRect of the parent");
+    EXPECT_EQ(TakeTranscript(), expected);
+}
+
+TEST_F(Teardown, DeletedFromInsideCloseItStillReleasesEverything) {
+    BringUp();
+    runtime.script.during["controller.Close"] = [this] { browser.reset(); };
+    browser->Destroy();
+    Lines expected = kWhole;
+    expected.insert(expected.begin() + 11, {"CoUninitialize", "cookieManager gone"});
+    EXPECT_EQ(TakeTranscript(), expected);
+}
+
+TEST_F(Teardown, ASecondOneFromInsideStopDoesNotSpoilTheFirst) {
+    BringUp();
+    runtime.script.during["webView.Stop"] = [this] { browser->Destroy(); };
+    browser->Destroy();
+    EXPECT_EQ(TakeTranscript(), kWhole);
+}
+
+TEST_F(Teardown, AnEnvironmentThatArrivesAfterItIsAnsweredQuietly) {
+    MakeBrowser();
+    Create();
+    browser->Destroy();
+    TakeTranscript();
+    EXPECT_EQ(runtime.CompleteEnvironment(), S_OK);
+    EXPECT_EQ(TakeTranscript(), Lines{"environment gone"});
+}
+
+TEST_F(Teardown, AFailureThatArrivesAfterItIsAnsweredQuietly) {
+    MakeBrowser();
+    Create();
+    browser->Destroy();
+    TakeTranscript();
+    EXPECT_EQ(runtime.CompleteEnvironment(E_ABORT), S_OK);
+    EXPECT_EQ(TakeTranscript(), Lines{});
+}
+
+TEST_F(Teardown, AControllerThatArrivesAfterItIsAnsweredQuietly) {
+    MakeBrowser();
+    Create();
+    runtime.CompleteEnvironment();
+    browser->Destroy();
+    TakeTranscript();
+    EXPECT_EQ(runtime.CompleteController(), S_OK);
+    EXPECT_EQ(TakeTranscript(), Lines{"controller gone"});
+}
+
+TEST_F(Teardown, AScriptThatIsRegisteredAfterItStartsNoNavigation) {
+    MakeBrowser();
+    Create();
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    browser->Destroy();
+    TakeTranscript();
+    EXPECT_EQ(runtime.CompleteScript(), S_OK);
+    EXPECT_EQ(TakeTranscript(), Lines{});
+}
+
+TEST_F(Teardown, CompletionsAfterDeletionAreAnsweredQuietly) {
+    MakeBrowser();
+    Create();
+    browser.reset();
+    TakeTranscript();
+    EXPECT_EQ(runtime.CompleteEnvironment(), S_OK);
+
+    MakeBrowser();
+    Create();
+    runtime.CompleteEnvironment();
+    browser.reset();
+    TakeTranscript();
+    EXPECT_EQ(runtime.CompleteController(), S_OK);
+    EXPECT_EQ(TakeTranscript(), Lines{"controller gone"});
+
+    MakeBrowser();
+    Create();
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    browser.reset();
+    TakeTranscript();
+    EXPECT_EQ(runtime.CompleteScript(), S_OK);
+    EXPECT_EQ(TakeTranscript(), Lines{});
+}
+
+TEST_F(Teardown, AnEventWhoseHandlerCouldNotBeRemovedIsAnsweredQuietly) {
+    BringUp();
+    runtime.script.answers["webView.remove_NavigationCompleted"] = E_FAIL;
+    browser->Destroy();
+    TakeTranscript();
+    const auto args = MakeFake<test_support::FakeNavigationCompletedArgs>(runtime.script);
+    auto* const handler =
+        runtime.webView.HandlerOf<ICoreWebView2NavigationCompletedEventHandler>("NavigationCompleted");
+    ASSERT_NE(handler, nullptr);
+    EXPECT_EQ(handler->Invoke(nullptr, args.Get()), S_OK);
+    EXPECT_EQ(TakeTranscript(), Lines{});
+}
+
+TEST_F(Teardown, AReportOfThePageAfterItReachesNobody) {
+    BringUp();
+    const ComPtr<IDispatch> hostObject = runtime.webView.hostObject;
+    browser->Destroy();
+    TakeTranscript();
+    VARIANT norv{};
+    DISPPARAMS none{};
+    hostObject->Invoke(888111888, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &norv, nullptr, nullptr);
+    norv.pdispVal->Invoke(DISPID_VALUE, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr);
+    VariantClear(&norv);
+    EXPECT_EQ(TakeTranscript(),
+              (Lines{"[0] ZanWebBrowserEdge::Invoke DISPATCH_PROPERTYGET - dispIdMember == DISPID_NORV",
+                     "[0] ZanWebBrowserEdge::Invoke DISPATCH_METHOD - dispIdMember == DISPID_NORV"}));
+}
+
+TEST_F(Teardown, ABrowserThatIsCreatedAgainAfterItComesUpAgain) {
+    BringUp();
+    browser->Destroy();
+    Create();
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    runtime.CompleteScript();
+    EXPECT_EQ(TakeTranscript().back(), "request gone");
+}
+
+TEST_F(Teardown, TheFirstEnvironmentOfABrowserThatIsCreatedTwiceIsAnsweredQuietly) {
+    MakeBrowser();
+    Create();
+    const auto first = std::exchange(runtime.environmentCreated, nullptr);
+    Create();
+    TakeTranscript();
+    EXPECT_EQ(first->Invoke(E_FAIL, nullptr), S_OK);
+    EXPECT_EQ(TakeTranscript(), Lines{});
+}
+
+} // namespace
+} // namespace kelda

@@ -1,0 +1,94 @@
+// Which backend the factory picks, and the address that both navigate to.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "kelda/kelda.h"
+#include "support/target_address.h"
+#include "tests/support/scoped_variable.h"
+#include "tests/support/transcript.h"
+#include "tests/support/webview2/fake_runtime.h"
+
+using test_support::Lines;
+using test_support::ScopedVariable;
+
+namespace kelda {
+namespace {
+
+class BrowserFactory : public test_support::TranscriptTest {
+  protected:
+    BrowserFactory() : TranscriptTest("ZanWebBrowserEdge") {}
+
+    enum class Backend { Edge, Legacy };
+
+    static Backend Made() {
+        const auto browser = ZanWebBrowser::Factory("http://server", 0);
+        EXPECT_NE(browser, nullptr);
+        if (dynamic_cast<ZanWebBrowserEdge*>(browser.get()) != nullptr) {
+            return Backend::Edge;
+        }
+        EXPECT_NE(dynamic_cast<ZanWebBrowserIE*>(browser.get()), nullptr);
+        return Backend::Legacy;
+    }
+
+    ScopedVariable implementation{L"MERIDO_ZANWEBBROWSER_IMPLEMENTATION", nullptr};
+    ScopedVariable browserFolder{L"MERIDO_WEBVIEW2_BROWSER_EXECUTABLE_FOLDER", nullptr};
+    test_support::FakeRuntime runtime;
+};
+
+TEST_F(BrowserFactory, TheLettersIEInLowerCaseForceTheLegacyBrowserWithoutACheck) {
+    for (const wchar_t* value :
+         {L"ie", L"trace,ie", L"traceie", L"xiey", L"devtools ie nosso", L"client-ie"}) {
+        const ScopedVariable variable(L"MERIDO_ZANWEBBROWSER_IMPLEMENTATION", value);
+        EXPECT_EQ(Made(), Backend::Legacy);
+        EXPECT_EQ(TakeTranscript(), Lines{});
+    }
+}
+
+TEST_F(BrowserFactory, OtherValuesLeaveTheChoiceToTheCheck) {
+    for (const wchar_t* value : {L"", L"IE", L"Ie", L"i", L"e", L"i e", L"ei", L"trace", L"edge"}) {
+        const ScopedVariable variable(L"MERIDO_ZANWEBBROWSER_IMPLEMENTATION", value);
+        EXPECT_EQ(Made(), Backend::Edge);
+        EXPECT_EQ(TakeTranscript(), (Lines{"GetAvailableCoreWebView2BrowserVersionString (null)",
+                                           "[0] WebView2 runtime found, version 146.0.3856.49"}));
+    }
+}
+
+TEST_F(BrowserFactory, WithoutARuntimeTheLegacyBrowserServes) {
+    runtime.script.answers["GetAvailableCoreWebView2BrowserVersionString"] = E_FAIL;
+    EXPECT_EQ(Made(), Backend::Legacy);
+}
+
+TEST_F(BrowserFactory, WithTooOldARuntimeTheLegacyBrowserServes) {
+    runtime.version = L"114.0.1823.86";
+    EXPECT_EQ(Made(), Backend::Legacy);
+}
+
+TEST_F(BrowserFactory, ARuntimeWhoseVersionIsNoNumberCountsAsNone) {
+    runtime.version = L"unknown";
+    EXPECT_EQ(Made(), Backend::Legacy);
+    EXPECT_EQ(TakeTraceLines(),
+              (Lines{"[0] WebView2 runtime found, version unknown",
+                     "[0] WebView2 runtime version is not a number (invalid stoi argument) - falling back on "
+                     "legacy browser"}));
+}
+
+TEST(TargetAddress, OfTheLoginPageHasASlashOfItsOwn) {
+    EXPECT_STREQ(TargetAddress("http://server", 0).safe_c_str(), "http://server/qxcore/jsp/qvs/vislogon.jsp");
+    EXPECT_STREQ(TargetAddress("http://server/", 0).safe_c_str(),
+                 "http://server//qxcore/jsp/qvs/vislogon.jsp");
+}
+
+TEST(TargetAddress, OfTheCheckHasNone) {
+    EXPECT_STREQ(TargetAddress("http://server/", 1).safe_c_str(),
+                 "http://server/ARPublish/veltauth/check_authenticated_access.txt");
+    EXPECT_STREQ(TargetAddress("http://server", -1).safe_c_str(),
+                 "http://serverARPublish/veltauth/check_authenticated_access.txt");
+}
+
+TEST(TargetAddress, OfAnEmptyServerIsThePathAlone) {
+    EXPECT_STREQ(TargetAddress("", 0).safe_c_str(), "/qxcore/jsp/qvs/vislogon.jsp");
+}
+
+} // namespace
+} // namespace kelda

@@ -1,0 +1,54 @@
+// Texts to numbers, with error texts of our own.
+#include "support/number.h"
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+namespace kelda {
+namespace {
+
+TEST(Number, TakesTheDecimalDigitsAtTheStart) {
+    const std::pair<const wchar_t*, int> texts[] = {
+        {L"120.0.2210.91", 120},
+        {L"7", 7},
+        {L"  42 beta", 42},
+        {L"+5", 5},
+        {L"-3", -3},
+        {L"0x10", 0},
+        {L"2147483647", 2147483647},
+        {L"-2147483648", -2147483647 - 1},
+        {L"0115", 115},
+        {L"\t\n 9", 9},
+    };
+    for (const auto& [text, number] : texts) {
+        EXPECT_EQ(ToInt(text), number);
+    }
+}
+
+template <typename Exception>
+void ExpectError(const wchar_t* text, const char* what) {
+    try {
+        ToInt(text);
+        ADD_FAILURE() << what << " was expected";
+    } catch (const Exception& exception) {
+        EXPECT_STREQ(exception.what(), what);
+    }
+}
+
+TEST(Number, WithoutADigitIsAnInvalidArgument) {
+    for (const wchar_t* text : {L"", L" ", L"x1", L".5", L"-"}) {
+        ExpectError<std::invalid_argument>(text, "invalid stoi argument");
+    }
+}
+
+TEST(Number, BeyondTheRangeIsOutOfRange) {
+    for (const wchar_t* text : {L"2147483648", L"-2147483649", L"99999999999999999999"}) {
+        ExpectError<std::out_of_range>(text, "stoi argument out of range");
+    }
+}
+
+} // namespace
+} // namespace kelda
