@@ -13,8 +13,9 @@ namespace kelda {
 /// A browser in a window of the caller's, on its way to one address of a document server.
 ///
 /// Threading: one thread, the host's UI thread; everything arrives from its message loop.
-/// Lifetime: `InitializeCom`, then `Create` once, `Destroy` once, then release it.
-/// Errors: failing calls are traced (module "kelda") and never thrown.
+/// Lifetime: `InitializeCom`, then `Create` once, `Destroy` once, then release it. Not without `Destroy`: pages may still
+/// hold objects of the browser's.
+/// Errors: failing system calls are traced (module "kelda") and never thrown. `std::bad_alloc` may leave any function.
 class KELDA_API ZanWebBrowser {
   public:
     /// What the owner is told. It is called on the browser's thread and must stay until `Destroy`.

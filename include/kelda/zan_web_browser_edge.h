@@ -7,7 +7,8 @@
 
 namespace kelda {
 
-/// See `ZanWebBrowser`. Use it directly only where WebView2 is known to be there; `ZanWebBrowser::Factory` finds out.
+/// See `ZanWebBrowser`. Use it directly only where WebView2 is known to be there: `ZanWebBrowser::Factory` finds out, and
+/// clears the variables by which the runtime could be steered from outside.
 ///
 /// The parent window's thread must pump messages: the browser comes up in several steps after `Create` has returned.
 /// `GetWindowHandle` answers null, as the runtime does not tell its window. `Resize` before the browser is there does

@@ -7,7 +7,7 @@
 
 namespace kelda {
 
-/// See `ZanWebBrowser`. This version shows no page yet: each call only leaves a line in the trace.
+/// See `ZanWebBrowser`. This version shows no page and touches no COM yet: each call only leaves a line in the trace.
 class KELDA_API ZanWebBrowserIE : public ZanWebBrowser {
   public:
     ZanWebBrowserIE(const du::Symbol& serverUrl, int checkMode);

@@ -33,19 +33,24 @@ HRESULT ZanWebBrowserEdge::Impl::OnControllerCreated(HRESULT result, ICoreWebVie
                   "get ICoreWebView2Settings")) {
         ApplySettings(settings);
     }
+    // Sizing and showing pump messages, and the owner may close the browser from one.
     Resize();
-    CallOn(objects_.controller, &ICoreWebView2Controller::put_IsVisible, TRUE);
+    if (*target != nullptr) {
+        CallOn(objects_.controller, &ICoreWebView2Controller::put_IsVisible, TRUE);
+    }
     if (*target == nullptr) {
-        return S_OK; // showing it pumps messages, and the owner has closed it from one
+        return S_OK;
     }
     RegisterEvents();
     ExposeHostObject();
+    FilterAllRequests();
     AddDocumentScript();
     return S_OK;
 }
 
 void ZanWebBrowserEdge::Impl::TakeController(ICoreWebView2Controller* controller) {
-    objects_.controller = controller;
+    ComPtr<ICoreWebView2Controller>(controller)
+        .Swap(objects_.controller); // the new one is held before the old one goes
     RefuseExternalDrop(objects_.controller);
     CallOn(objects_.controller, &ICoreWebView2Controller::get_CoreWebView2,
            objects_.webView.ReleaseAndGetAddressOf());
@@ -80,11 +85,15 @@ void ZanWebBrowserEdge::Impl::ExposeHostObject() {
     Release();
 }
 
-// The navigation waits for the script, so that no page is without it.
-void ZanWebBrowserEdge::Impl::AddDocumentScript() {
+// Without it no request would reach the handler that is registered for them.
+void ZanWebBrowserEdge::Impl::FilterAllRequests() const {
     Succeeded(CallOn(objects_.webView15, &ICoreWebView2_15::AddWebResourceRequestedFilter, L"*",
                      COREWEBVIEW2_WEB_RESOURCE_CONTEXT_ALL),
               "AddWebResourceRequestedFilter");
+}
+
+// The navigation waits for the script, so that no page is without it.
+void ZanWebBrowserEdge::Impl::AddDocumentScript() const {
     const auto completed = MakeCallback<ICoreWebView2AddScriptToExecuteOnDocumentCreatedCompletedHandler>(
         target_, &Impl::OnDocumentScriptAdded);
     Succeeded(CallOn(objects_.webView, &ICoreWebView2::AddScriptToExecuteOnDocumentCreated, kHostObjectScript,

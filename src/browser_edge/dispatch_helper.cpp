@@ -23,7 +23,7 @@ HRESULT ZanWebBrowserDispatchHelper::GetIDsOfNames(REFIID /*iid*/, LPOLESTR* /*n
     return E_NOTIMPL;
 }
 
-// The flags are not looked at: the runtime calls this as a method, some script engines as a property.
+// The flags are not looked at, on purpose.
 HRESULT ZanWebBrowserDispatchHelper::Invoke(DISPID id, REFIID /*iid*/, LCID /*locale*/, WORD /*flags*/,
                                             DISPPARAMS* parameters, VARIANT* /*result*/,
                                             EXCEPINFO* /*exception*/, UINT* /*wrongArgument*/) {

@@ -17,9 +17,9 @@ namespace kelda {
 
 // What the calls return is not looked at: failures come through the completion.
 void ZanWebBrowserEdge::Impl::Create(Callback* callback, HWND parent) {
+    StopListening();
     parent_ = parent;
     callback_ = callback;
-    StopListening();
     target_ = std::make_shared<Impl*>(this);
     const BrowserFolder browserFolder = BrowserFolder::FromEnvironment();
     const std::wstring userDataFolder = du::Utf8ToWideStr(ChooseUserDataFolder());
@@ -46,7 +46,7 @@ HRESULT ZanWebBrowserEdge::Impl::OnEnvironmentCreated(HRESULT result, ICoreWebVi
         kWebBrowserEdgeTrace.Info() << "Failed to create WebView2 environment " << result;
         return result;
     }
-    objects_.environment = environment;
+    ComPtr<ICoreWebView2Environment>(environment).Swap(objects_.environment);
     Succeeded(Query(objects_.environment, objects_.environment2), "get ICoreWebView2Environment2");
     ComPtr<ICoreWebView2Environment10> environment10;
     Succeeded(Query(objects_.environment, environment10), "get ICoreWebView2Environment10");

@@ -74,14 +74,11 @@ void ZanWebBrowserEdge::Impl::RegisterEvents() {
     }
 }
 
-HRESULT ZanWebBrowserEdge::Impl::UnregisterEvents(const WebViewObjects& objects) const {
+void ZanWebBrowserEdge::Impl::UnregisterEvents(const WebViewObjects& objects) const {
     const auto tokens = tokens_; // this object may be gone when a call returns
-    HRESULT status = S_OK;
     for (size_t i = 0; i < kEventCount; ++i) {
-        status = kEvents[i].remove(objects, tokens[i]);
-        Succeeded(status, kEvents[i].removeName);
+        Succeeded(kEvents[i].remove(objects, tokens[i]), kEvents[i].removeName);
     }
-    return status;
 }
 
 } // namespace kelda

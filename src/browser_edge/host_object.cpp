@@ -29,10 +29,11 @@ HRESULT ZanWebBrowserEdge::Impl::GetTypeInfo(UINT /*index*/, LCID /*locale*/, IT
     return NoTypeInfo(info);
 }
 
-// E_NOTIMPL also for a name that is not known: pages have come to rely on that answer.
+// E_NOTIMPL also for a name that is not known, on purpose.
 HRESULT ZanWebBrowserEdge::Impl::GetIDsOfNames(REFIID /*iid*/, LPOLESTR* names, UINT nameCount,
                                                LCID /*locale*/, DISPID* ids) {
-    if (nameCount == 0 || names == nullptr || ids == nullptr || std::wcscmp(names[0], kNorvName) != 0) {
+    if (nameCount == 0 || names == nullptr || names[0] == nullptr || ids == nullptr ||
+        std::wcscmp(names[0], kNorvName) != 0) {
         return E_NOTIMPL;
     }
     ids[0] = DISPID_NORV;
@@ -58,10 +59,9 @@ HRESULT ZanWebBrowserEdge::Impl::Invoke(DISPID id, REFIID /*iid*/, LCID /*locale
 
 // Reported once: a second call of the page, or a later load in check mode, finds no callback.
 void ZanWebBrowserEdge::Impl::OnSessionAuthenticated() {
-    Callback* const callback = std::exchange(callback_, nullptr);
-    if (callback != nullptr) {
+    if (callback_ != nullptr) {
         kWebBrowserEdgeTrace.Info() << "OnSessionAuthenticated();";
-        callback->OnSessionAuthenticated();
+        std::exchange(callback_, nullptr)->OnSessionAuthenticated();
     }
 }
 

@@ -20,7 +20,7 @@ ZanWebBrowserEdge::Impl::Impl(const du::Symbol& serverUrl, int checkMode)
       url_(TargetAddress(serverUrl, checkMode)),
       mode_(checkMode) {}
 
-// Once and unconditionally, and before the runtime's objects are released: the runtime is used to that order.
+// COM is ended once, whatever InitializeCom found, and before the members release what is left of the runtime's objects.
 ZanWebBrowserEdge::Impl::~Impl() {
     StopListening();
     CoUninitialize();

@@ -30,7 +30,7 @@ namespace kelda {
 
 /// Lives on the thread that made it. Owned by ZanWebBrowserEdge alone: its COM count decides nothing.
 ///
-/// Showing, stopping or closing the browser pumps messages, so that the owner may call in again, or delete this object,
+/// Sizing, showing, stopping or closing the browser pumps messages, so that the owner may call in again, or delete this object,
 /// while one of its functions is running: after such a call a function touches only what it holds itself.
 class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDispatchHelper::AuthCallback {
   public:
@@ -74,7 +74,8 @@ class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDisp
     void ApplySettings(const Microsoft::WRL::ComPtr<ICoreWebView2Settings>& settings) const;
     void RegisterEvents();
     void ExposeHostObject();
-    void AddDocumentScript();
+    void FilterAllRequests() const;
+    void AddDocumentScript() const;
 
     HRESULT OnDocumentScriptAdded(HRESULT result, LPCWSTR id);
     HRESULT OnNavigationStarting(ICoreWebView2* sender, ICoreWebView2NavigationStartingEventArgs* args);
@@ -90,15 +91,14 @@ class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDisp
                                          ICoreWebView2ClientCertificateRequestedEventArgs* args);
 
     void StopListening();
-    HRESULT UnregisterEvents(const WebViewObjects& objects) const;
+    void UnregisterEvents(const WebViewObjects& objects) const;
 
     bool verboseTrace_;
     bool allowSingleSignOn_;
     bool inPrivate_;
     bool devTools_;
     WebViewObjects objects_;
-    Microsoft::WRL::ComPtr<ICoreWebView2CookieManager>
-        cookieManager_; // kept until the very end, teardown or not
+    Microsoft::WRL::ComPtr<ICoreWebView2CookieManager> cookieManager_; // teardown leaves it
     std::array<EventRegistrationToken, kEventCount> tokens_{};
     std::wstring scriptId_;
     du::Symbol url_;

@@ -47,7 +47,7 @@ HRESULT ZanWebBrowserEdge::Impl::OnNavigationStarting(ICoreWebView2* /*sender*/,
     return S_OK;
 }
 
-// The server wants this one value, whatever the kind of the resource.
+// One value for all, whatever the kind of the resource.
 HRESULT ZanWebBrowserEdge::Impl::OnWebResourceRequested(ICoreWebView2* /*sender*/,
                                                         ICoreWebView2WebResourceRequestedEventArgs* args) {
     COREWEBVIEW2_WEB_RESOURCE_CONTEXT context{};

@@ -7,11 +7,10 @@
 
 namespace kelda {
 
-// Everything is taken out of this object first: stopping and closing pump messages, in which the owner may call Destroy
+// All that it lets go of is taken out of this object first: stopping and closing pump messages, in which the owner may call Destroy
 // again, which then finds nothing to do, or delete this object.
 void ZanWebBrowserEdge::Impl::Destroy() {
     StopListening();
-    callback_ = nullptr;
     WebViewObjects objects = std::move(objects_);
     const std::wstring scriptId = std::exchange(scriptId_, {});
 
@@ -31,7 +30,7 @@ void ZanWebBrowserEdge::Impl::Destroy() {
         Succeeded(status, "WebView2 Stop()");
     }
     if (objects.controller) {
-        // What Close returns is not kept: the line tells the status of the step before. Support knows it that way.
+        // What Close returns is not kept: the line tells the status of the step before. It is kept that way on purpose.
         CallOn(objects.controller, &ICoreWebView2Controller::Close);
         Succeeded(status, "WebView2 Close()");
         objects.controller.Reset();
@@ -46,6 +45,7 @@ void ZanWebBrowserEdge::Impl::Destroy() {
 }
 
 void ZanWebBrowserEdge::Impl::StopListening() {
+    callback_ = nullptr;
     if (target_) {
         *target_ = nullptr;
     }

@@ -11,8 +11,8 @@ namespace {
 
 constexpr const char* kProfileDirectory = "zanwbe";
 
-/// One user's temporary directory serves all applications of all makers, so that the path tells whose folder it is. The
-/// preferences directory is the application's own.
+/// Laid out differently from the folder below the preferences, on purpose: that directory is one application's own, the
+/// temporary one is everybody's.
 std::string BelowTemporaryDirectory() {
     du::FileSpec folder;
     folder.SetLocation(du::FileSystem::GetTempDir());

@@ -9,14 +9,20 @@
 namespace kelda {
 namespace {
 
+bool FallBack(const char* why) {
+    kWebBrowserEdgeTrace.Info() << "WebView2 runtime version cannot be read (" << why
+                                << ") - falling back on legacy browser";
+    return false;
+}
+
 /// A runtime whose version is no number is none that can be used.
 bool UseWebView2() {
     try {
         return IsWebView2Available();
-    } catch (const std::logic_error& error) {
-        kWebBrowserEdgeTrace.Info() << "WebView2 runtime version is not a number (" << error.what()
-                                    << ") - falling back on legacy browser";
-        return false;
+    } catch (const std::invalid_argument& error) {
+        return FallBack(error.what());
+    } catch (const std::out_of_range& error) {
+        return FallBack(error.what());
     }
 }
 

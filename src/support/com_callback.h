@@ -2,13 +2,13 @@
 #pragma once
 
 #include <memory>
+#include <new>
 #include <utility>
 
 #include <windows.h>
 
 #include <unknwn.h>
 #include <wrl/client.h>
-#include <wrl/implements.h>
 
 #include "support/com_boundary.h"
 #include "support/failed_call.h"
@@ -72,7 +72,10 @@ class ComCallback final : public Interface {
 template <typename Interface, typename Target, typename... Parameters>
 Microsoft::WRL::ComPtr<Interface> MakeCallback(const CallbackTarget<Target>& target,
                                                HRESULT (Target::*member)(Parameters...)) {
-    return Microsoft::WRL::Make<ComCallback<Interface, Target, Parameters...>>(target, member);
+    Microsoft::WRL::ComPtr<Interface> callback;
+    *callback.GetAddressOf() =
+        new (std::nothrow) ComCallback<Interface, Target, Parameters...>(target, member);
+    return callback; // with the reference that the object was made with
 }
 
 } // namespace kelda

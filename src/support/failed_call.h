@@ -5,7 +5,7 @@
 
 namespace kelda {
 
-/// Traces a failed call in the system's words.
+/// Traces a failed call.
 /// @param operation  What was tried.
 /// @return whether the call succeeded.
 bool Succeeded(HRESULT result, const char* operation);

@@ -6,7 +6,7 @@
 namespace kelda {
 namespace {
 
-// One has a leading slash, the other has none: kept so, as servers are configured for it.
+// One has a leading slash and the other has none, on purpose.
 constexpr const char* kLoginPage = "/qxcore/jsp/qvs/vislogon.jsp";
 constexpr const char* kAccessCheck = "ARPublish/veltauth/check_authenticated_access.txt";
 

@@ -12,7 +12,7 @@ TEXT = "text/plain; charset=utf-8"
 HTML = "text/html; charset=utf-8"
 BINARY = "application/octet-stream"
 
-LOGGED_HEADERS = ("Host", "User-Agent", "Accept", "Accept-Encoding", "Cookie", "Referer", "Content-Type",
+LOGGED_HEADERS = ("Host", "User-Agent", "Accept", "Accept-Encoding", "Cookie", "Referer", "Pragma", "Content-Type",
                   "Content-Length", "Connection")
 UNFRAMED_STATUSES = frozenset({204, 304})
 BODILESS_STATUSES = UNFRAMED_STATUSES | {205}

@@ -15,20 +15,53 @@ HOME_PATH = "/"
 # Browsers read a backslash like a slash and drop control characters: either could make a host out of a path.
 LOCAL_PATH = re.compile(r"/(?![/\\])[!-\[\]-~]*")
 
-FORM = """<!DOCTYPE html>
+# Tests tell the page by its colours; the name stands on a band of this height (in pixels) across the top.
+PAGE_COLOUR = "#e8eef4"
+BAND_COLOUR = "#1f4e79"
+BAND_HEIGHT = 64
+
+FORM = f"""<!DOCTYPE html>
 <html lang="en">
-<head><meta charset="utf-8"><title>Document server login</title></head>
+<head><meta charset="utf-8"><title>Document server login</title>
+<style>
+body {{{{ margin: 0; background: {PAGE_COLOUR}; font: 16px sans-serif; }}}}
+h1 {{{{ margin: 0; padding: 0 24px; background: {BAND_COLOUR}; color: white;
+      font-size: 22px; line-height: {BAND_HEIGHT}px; }}}}
+form, .error {{{{ margin: 24px; }}}}
+.error {{{{ color: #a4262c; }}}}
+label {{{{ display: inline-block; }}}}
+input, button {{{{ font: inherit; padding: 6px 10px; }}}}
+</style></head>
 <body>
 <h1>Document server login</h1>
-{error}<form method="post">
+{{error}}<form method="post">
 <p><label>User <input name="user" autofocus></label></p>
 <p><label>Password <input name="password" type="password"></label></p>
-<input type="hidden" name="next" value="{next}">
+<input type="hidden" name="next" value="{{next}}">
 <p><button>Log in</button></p>
 </form>
 </body>
 </html>
 """
+
+
+# The object behind the member is called twice: only the first call is to count.
+REPORT = """<!DOCTYPE html>
+<html lang="en">
+<head><meta charset="utf-8"><title>Logged in</title></head>
+<body><h1>Logged in</h1>
+<script>
+window.external.norv();
+window.external.norv();
+</script>
+</body>
+</html>
+"""
+
+
+def report(exchange: Exchange) -> None:
+    """A page whose script reports a session to the host object of the browser that shows it."""
+    exchange.answer(200, REPORT, content_type=HTML)
 
 
 def login_form(exchange: Exchange) -> None:

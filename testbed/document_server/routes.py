@@ -10,7 +10,7 @@ from . import hostile
 from .credentials import basic_challenge, digest_challenge
 from .documents import filler, filler_in_pieces
 from .exchange import HTML, Exchange, whole_number
-from .login import FORM_PATH, answer_document, has_session, login_form, session_document
+from .login import FORM_PATH, answer_document, has_session, login_form, report, session_document
 
 LARGEST_BODY = 10**15
 
@@ -161,6 +161,7 @@ ROUTES = (
     Route("/basic-unsatisfiable/...", basic_unsatisfiable),
     Route("/login/form", login_form, FORM_METHODS),
     Route("/qxcore/jsp/qvs/vislogon.jsp", login_form, FORM_METHODS),
+    Route("/login/report", report),
     Route("/login/documents/NAME", session_document),
     Route("/mixed/documents/NAME", mixed_document),
     Route("/redirect/form", redirect_form),

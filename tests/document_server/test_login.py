@@ -34,6 +34,11 @@ class WebLogin(ServerTest):
                 self.assertNotIn(b'class="error"', answer.body)
                 self.assertIsNone(answer.headers["Set-Cookie"])
 
+    def test_the_report_page_calls_the_host_object(self) -> None:
+        answer = fetch(self.server, "/login/report")
+        self.assertEqual((answer.status, answer.headers["Content-Type"]), (200, "text/html; charset=utf-8"))
+        self.assertIn(b"window.external.norv();", answer.body)
+
     def test_the_right_password_opens_a_session_and_leads_to_the_next_path(self) -> None:
         for path in FORMS:
             with self.subTest(path):

@@ -35,9 +35,12 @@ HRESULT FakeWebView::Remove(const char* event, EventRegistrationToken token) {
 }
 
 HRESULT FakeWebView::AddHostObjectToScript(LPCWSTR name, VARIANT* object) {
+    object->pdispVal->AddRef();
+    const bool heldOnce = object->pdispVal->Release() == 1;
     const HRESULT result =
-        Called("AddHostObjectToScript",
-               Narrow(name) + (object->vt == VT_DISPATCH ? " a dispatch object" : " other"));
+        Called("AddHostObjectToScript", Narrow(name) +
+                                            (object->vt == VT_DISPATCH ? " a dispatch object" : " other") +
+                                            (heldOnce ? ", held once" : ""));
     if (SUCCEEDED(result)) {
         state_.hostObject = object->pdispVal;
     }

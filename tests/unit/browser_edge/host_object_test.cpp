@@ -1,12 +1,12 @@
 // The host object "external" and the object behind its member, as script reaches them through IDispatch.
 #include <array>
+#include <stdexcept>
+#include <string>
 
 #include <gtest/gtest.h>
 
-#include "browser_edge/dispatch_helper.h"
 #include "edge_browser_test.h"
 
-using Microsoft::WRL::ComPtr;
 using test_support::Lines;
 
 namespace kelda {
@@ -96,6 +96,8 @@ TEST_F(HostObject, AnswersOnlyForTheFirstOfSeveralNames) {
     EXPECT_EQ(ids[0], kNorv);
     EXPECT_EQ(ids[1], 2);
     EXPECT_EQ(External()->GetIDsOfNames(IID_NULL, names, 0, 0, ids), E_NOTIMPL);
+    names[0] = nullptr;
+    EXPECT_EQ(External()->GetIDsOfNames(IID_NULL, names, 1, 0, ids), E_NOTIMPL);
 }
 
 TEST_F(HostObject, ReadingTheMemberGivesAnObjectWithAReferenceOfItsOwn) {
@@ -155,6 +157,43 @@ TEST_F(HostObject, CallingTheMemberByAnotherIdOrWithoutParametersDoesNothing) {
     EXPECT_EQ(Call(norv, kNorv, DISPATCH_METHOD, &none), S_OK);
     EXPECT_EQ(Call(norv, DISPID_VALUE, DISPATCH_METHOD, nullptr), S_OK);
     EXPECT_EQ(TakeTranscript(), Lines{});
+    norv->Release();
+}
+
+TEST_F(HostObject, AnOwnerMayCloseTheBrowserFromTheReport) {
+    class ClosingOwner final : public ZanWebBrowser::Callback {
+      public:
+        void OnNavigationCompleted() override {}
+        void OnSessionAuthenticated() override { browser->Destroy(); }
+        void OnSessionAuthenticatedFailed() override {}
+        ZanWebBrowserEdge* browser = nullptr;
+    } closing;
+    closing.browser = browser.get();
+    browser->Destroy();
+    browser->Create(&closing, parent);
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    IDispatch* const norv = ReadNorv();
+    EXPECT_EQ(Call(norv, DISPID_VALUE, DISPATCH_METHOD, &none), S_OK);
+    EXPECT_EQ(runtime.webView.hostObject, nullptr);
+    norv->Release();
+}
+
+TEST_F(HostObject, AnOwnerThatThrowsDoesNotReachTheRuntime) {
+    class ThrowingOwner final : public ZanWebBrowser::Callback {
+      public:
+        void OnNavigationCompleted() override {}
+        void OnSessionAuthenticated() override { throw std::runtime_error("no owner today"); }
+        void OnSessionAuthenticatedFailed() override {}
+    } throwing;
+    browser->Destroy();
+    browser->Create(&throwing, parent);
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    IDispatch* const norv = ReadNorv();
+    TakeTranscript();
+    EXPECT_EQ(Call(norv, DISPID_VALUE, DISPATCH_METHOD, &none), E_FAIL);
+    EXPECT_EQ(TakeTraceLines().back(), "[0] Failed: no owner today error code: -2147467259");
     norv->Release();
 }
 

@@ -16,6 +16,14 @@ namespace {
 /// A browser that has come up, and the events of its pages.
 class PageEvents : public EdgeBrowserTest {
   protected:
+    int textsFreed = 0;
+    test_support::ReplacedImport<struct Free, decltype(CoTaskMemFree)> free{
+        "ole32.dll", "CoTaskMemFree", [this](void* block) {
+            textsFreed += block != nullptr ? 1 : 0;
+            decltype(free)::Original(block);
+        }};
+    ScopedVariable ignoredCertificates{L"MERIDO_IGNORE_CERT_INVALID", nullptr};
+
     /// What the handler did with the arguments, which it must not keep.
     template <typename Handler, typename Args>
     Lines Raise(const std::string& event, Microsoft::WRL::ComPtr<Args> args) {
@@ -32,6 +40,7 @@ class PageEvents : public EdgeBrowserTest {
     }
 
     Lines NavigationTo(const wchar_t* uri) {
+        textsFreed = 0;
         return Raise<ICoreWebView2NavigationStartingEventHandler>(
             "NavigationStarting", MakeFake<test_support::FakeNavigationStartingArgs>(runtime.script, uri));
     }
@@ -68,6 +77,14 @@ TEST_F(PageEvents, EveryOtherNavigationProceeds) {
     for (const wchar_t* uri : {L"http://server/", L"JavaScript:void(0)", L"javascript:void(1)", L""}) {
         EXPECT_EQ(NavigationTo(uri), Lines{"args.get_Uri"});
     }
+}
+
+TEST_F(PageEvents, TheAddressOfANavigationIsFreed) {
+    BringUp();
+    NavigationTo(L"http://server/");
+    EXPECT_EQ(textsFreed, 1);
+    NavigationTo(L"javascript:void(0)");
+    EXPECT_EQ(textsFreed, 1);
 }
 
 TEST_F(PageEvents, ANavigationWithoutAnAddressProceeds) {
@@ -120,6 +137,28 @@ TEST_F(PageEvents, ACompletionThatCannotBeReadChangesNothing) {
     runtime.script.answers["args.get_IsSuccess"] = E_FAIL;
     EXPECT_EQ(Completed(true), Lines{"args.get_IsSuccess"});
     EXPECT_EQ(Completed(false), Lines{"args.get_IsSuccess"});
+}
+
+TEST_F(PageEvents, PagesThatLoadAfterTheReportAreToldToNobody) {
+    BringUp();
+    VARIANT norv{};
+    DISPPARAMS none{};
+    IDispatch* const hostObject = runtime.webView.hostObject.Get();
+    hostObject->Invoke(888111888, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &norv, nullptr, nullptr);
+    norv.pdispVal->Invoke(DISPID_VALUE, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr);
+    VariantClear(&norv);
+    EXPECT_EQ(TakeTranscript().back(), "OnSessionAuthenticated");
+    EXPECT_EQ(Completed(true), Lines{"args.get_IsSuccess"});
+}
+
+TEST_F(PageEvents, WithoutAnOwnerALoadIsToldToNobody) {
+    MakeBrowser();
+    browser->Create(nullptr, parent);
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    runtime.CompleteScript();
+    TakeTranscript();
+    EXPECT_EQ(Completed(true), Lines{"args.get_IsSuccess"});
 }
 
 /// An owner that lets go of the browser when the page has loaded.

@@ -68,6 +68,7 @@ TEST_F(RuntimeCheck, ASuccessOtherThanOkIsNoRuntime) {
     runtime.script.answers["GetAvailableCoreWebView2BrowserVersionString"] = S_FALSE;
     EXPECT_FALSE(IsWebView2Available());
     EXPECT_EQ(TakeTraceLines(), Lines{kNotFound});
+    EXPECT_EQ(versionsFreed, 1);
 }
 
 TEST_F(RuntimeCheck, ANullVersionIsNoRuntime) {

@@ -1,6 +1,6 @@
 // The browser coming up: every call in its order, with arguments and trace lines.
+#include <algorithm>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -58,7 +58,7 @@ const Lines kWires = {
     "webView15.add_WebResourceResponseReceived",
     "webView15.add_BasicAuthenticationRequested",
     "webView.add_NavigationCompleted",
-    "webView.AddHostObjectToScript external a dispatch object",
+    "webView.AddHostObjectToScript external a dispatch object, held once",
     "webView15.AddWebResourceRequestedFilter * 0",
     std::string("webView.AddScriptToExecuteOnDocumentCreated ") +
         "window.external = chrome.webview.hostObjects.external;",
@@ -82,6 +82,10 @@ Lines WithLine(Lines lines, const std::string& line, const std::string& replacem
     return lines;
 }
 
+bool IsTrace(const std::string& line) {
+    return line.starts_with('[');
+}
+
 TEST_F(StartUp, GoesThroughItsCallsInOrderFromStepToStep) {
     MakeBrowser();
     browser->InitializeCom();
@@ -97,16 +101,19 @@ TEST_F(StartUp, GoesThroughItsCallsInOrderFromStepToStep) {
     EXPECT_EQ(TakeTranscript(), kNavigates);
 }
 
-TEST_F(StartUp, InCheckModeNavigatesToTheCheckFile) {
-    browser = std::make_unique<ZanWebBrowserEdge>("http://server/", 1);
-    Create();
-    runtime.CompleteEnvironment();
-    runtime.CompleteController();
-    TakeTranscript();
-    runtime.CompleteScript();
-    EXPECT_EQ(TakeTranscript().front(), "environment2.CreateWebResourceRequest "
-                                        "http://server/ARPublish/veltauth/check_authenticated_access.txt GET "
-                                        "[Accept: */*\r\nPragma: no-cache\r\n]");
+TEST_F(StartUp, InCheckModeNavigatesToTheCheckFileWithNoSlashPutInBetween) {
+    for (const std::string server : {"http://server/", "http://server"}) {
+        browser = std::make_unique<ZanWebBrowserEdge>(server.c_str(), 1);
+        Create();
+        runtime.CompleteEnvironment();
+        runtime.CompleteController();
+        TakeTranscript();
+        runtime.CompleteScript();
+        EXPECT_EQ(TakeTranscript().front(), "environment2.CreateWebResourceRequest " + server +
+                                                "ARPublish/veltauth/check_authenticated_access.txt GET "
+                                                "[Accept: */*\r\nPragma: no-cache\r\n]");
+        browser->Destroy();
+    }
 }
 
 TEST_F(StartUp, NoOwnerIsAllowed) {
@@ -218,7 +225,7 @@ TEST_F(StartUp, AControllerThatComesWithAnythingButOkIsNotWired) {
     }
 }
 
-TEST_F(StartUp, WithoutAControllerEveryStepIsTracedAsFailed) {
+TEST_F(StartUp, WithoutAControllerEveryStepThatIsTracedIsTracedAsFailed) {
     MakeBrowser();
     Create();
     runtime.CompleteEnvironment();
@@ -251,11 +258,46 @@ TEST_F(StartUp, AFailedScriptRegistrationEndsItBeforeTheNavigation) {
                     "code: -2147467259"});
 }
 
-TEST_F(StartUp, TheHostObjectIsHeldByTheBrowserAloneOnceItIsExposed) {
-    BringUp(0);
+TEST_F(StartUp, OnceTheHostObjectIsExposedOnlyTheRuntimeHoldsIt) {
+    BringUp();
     IDispatch* const hostObject = runtime.webView.hostObject.Get();
     EXPECT_EQ(hostObject->AddRef(), 2U);
     EXPECT_EQ(hostObject->Release(), 1U);
+}
+
+TEST_F(StartUp, AParentWithoutASizeGivesABrowserWithoutOne) {
+    MakeBrowser();
+    browser->Create(&owner, nullptr);
+    clientRect = {};
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    const Lines transcript = TakeTranscript();
+    EXPECT_EQ(std::count(transcript.begin(), transcript.end(), "controller.put_Bounds 0,0 0x0"), 1);
+}
+
+TEST_F(StartUp, AControllerThatReplacesAnotherReleasesAllOfIt) {
+    MakeBrowser();
+    Create();
+    runtime.CompleteEnvironment();
+    const auto again = runtime.controllerCreated;
+    auto first =
+        test_support::MakeFake<test_support::FakeController>(runtime.script, runtime.webView, "first");
+    again->Invoke(S_OK, first.Get());
+    first.Reset();
+    TakeTranscript();
+    const auto second =
+        test_support::MakeFake<test_support::FakeController>(runtime.script, runtime.webView, "second");
+    again->Invoke(S_OK, second.Get());
+    Lines gone;
+    for (const std::string& line : TakeTranscript()) {
+        if (line.ends_with(" gone")) {
+            gone.push_back(line);
+        }
+    }
+    EXPECT_EQ(gone, (Lines{"first gone", "controller4 gone", "webView gone", "webView2 gone", "webView5 gone",
+                           "webView14 gone", "webView15 gone", "cookieManager gone", "settings3 gone",
+                           "settings gone"}));
+    browser->Destroy();
 }
 
 TEST_F(StartUp, ResizeFitsTheBrowserToItsParentAgain) {
@@ -307,21 +349,40 @@ TEST_F(StartUp, ClosedWhileItIsShownItRegistersNothing) {
     MakeBrowser();
     Create();
     runtime.CompleteEnvironment();
+    TakeTranscript();
     EXPECT_EQ(runtime.CompleteController(), S_OK);
+    EXPECT_EQ(TakeTraceLines(), Lines{}) << "a registration was tried";
     EXPECT_TRUE(runtime.webView.handlers.empty());
     EXPECT_EQ(runtime.webView.hostObject, nullptr);
     EXPECT_EQ(runtime.webView.scriptAdded, nullptr);
 }
 
+TEST_F(StartUp, ClosedOrDeletedWhileItIsSizedItIsNotShown) {
+    for (const bool deleted : {false, true}) {
+        runtime.script.during["controller.put_Bounds"] = [this, deleted] {
+            browser->Destroy();
+            if (deleted) {
+                browser.reset();
+            }
+        };
+        MakeBrowser();
+        Create();
+        runtime.CompleteEnvironment();
+        EXPECT_EQ(runtime.CompleteController(), S_OK);
+        const Lines transcript = TakeTranscript();
+        EXPECT_EQ(std::count(transcript.begin(), transcript.end(), "controller.put_IsVisible 1"), 0);
+        EXPECT_EQ(std::count_if(transcript.begin(), transcript.end(), IsTrace), 0);
+    }
+}
+
 TEST_F(StartUp, DeletedWhileItIsShownItRegistersNothing) {
-    runtime.script.during["controller.put_IsVisible"] = [this] {
-        browser->Destroy();
-        browser.reset();
-    };
+    runtime.script.during["controller.put_IsVisible"] = [this] { browser.reset(); };
     MakeBrowser();
     Create();
     runtime.CompleteEnvironment();
+    TakeTranscript();
     EXPECT_EQ(runtime.CompleteController(), S_OK);
+    EXPECT_EQ(TakeTraceLines(), Lines{}) << "a registration was tried";
     EXPECT_TRUE(runtime.webView.handlers.empty());
     EXPECT_EQ(runtime.webView.scriptAdded, nullptr);
 }

@@ -99,12 +99,14 @@ TEST_F(Teardown, AfterAScriptWithoutAnIdHasNoScriptToRemove) {
     EXPECT_EQ(TakeTranscript(), (kRemovals + Lines{"webView.Stop", "controller.Close"} + kReleases));
 }
 
-TEST_F(Teardown, TheLineOfCloseTellsTheStatusOfStop) {
+TEST_F(Teardown, TheLineOfCloseTellsTheStatusOfStopAndTheRestStillHappens) {
     BringUp();
     runtime.script.answers["webView.Stop"] = E_ABORT;
     browser->Destroy();
-    EXPECT_EQ(TakeTraceLines(), (Lines{"[0] Failed: WebView2 Stop() error code: -2147467260",
-                                       "[0] Failed: WebView2 Close() error code: -2147467260"}));
+    Lines expected = kWhole;
+    expected.insert(expected.begin() + 11, "[0] Failed: WebView2 Close() error code: -2147467260");
+    expected.insert(expected.begin() + 10, "[0] Failed: WebView2 Stop() error code: -2147467260");
+    EXPECT_EQ(TakeTranscript(), expected);
 }
 
 TEST_F(Teardown, AFailureOfCloseItselfIsNotTraced) {
@@ -145,6 +147,25 @@ TEST_F(Teardown, DeletedFromInsideCloseItStillReleasesEverything) {
     Lines expected = kWhole;
     expected.insert(expected.begin() + 11, {"CoUninitialize", "cookieManager gone"});
     EXPECT_EQ(TakeTranscript(), expected);
+}
+
+TEST_F(Teardown, DeletedFromInsideStopItStillClosesAndReleasesEverything) {
+    BringUp();
+    runtime.script.during["webView.Stop"] = [this] { browser.reset(); };
+    browser->Destroy();
+    Lines expected = kWhole;
+    expected.insert(expected.begin() + 10, {"CoUninitialize", "cookieManager gone"});
+    EXPECT_EQ(TakeTranscript(), expected);
+}
+
+TEST_F(Teardown, CreatedAgainFromInsideCloseTheNewBrowserIsLeftAlone) {
+    BringUp();
+    runtime.script.during["controller.Close"] = [this] { Create(); };
+    browser->Destroy();
+    EXPECT_EQ(runtime.CompleteEnvironment(), S_OK);
+    EXPECT_EQ(runtime.CompleteController(), S_OK);
+    EXPECT_EQ(runtime.CompleteScript(), S_OK);
+    EXPECT_EQ(TakeTranscript().back(), "request gone");
 }
 
 TEST_F(Teardown, ASecondOneFromInsideStopDoesNotSpoilTheFirst) {
@@ -254,6 +275,10 @@ TEST_F(Teardown, ABrowserThatIsCreatedAgainAfterItComesUpAgain) {
     runtime.CompleteController();
     runtime.CompleteScript();
     EXPECT_EQ(TakeTranscript().back(), "request gone");
+    const auto args = MakeFake<test_support::FakeNavigationCompletedArgs>(runtime.script);
+    runtime.webView.HandlerOf<ICoreWebView2NavigationCompletedEventHandler>("NavigationCompleted")
+        ->Invoke(nullptr, args.Get());
+    EXPECT_EQ(TakeTranscript(), (Lines{"args.get_IsSuccess", "OnNavigationCompleted"}));
 }
 
 TEST_F(Teardown, TheFirstEnvironmentOfABrowserThatIsCreatedTwiceIsAnsweredQuietly) {

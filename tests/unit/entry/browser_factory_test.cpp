@@ -1,10 +1,15 @@
 // Which backend the factory picks, and the address that both navigate to.
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
+#include <objbase.h>
+
+#include "du/string_utilities.h"
 #include "kelda/kelda.h"
 #include "support/target_address.h"
+#include "tests/support/replaced_import.h"
 #include "tests/support/scoped_variable.h"
 #include "tests/support/transcript.h"
 #include "tests/support/webview2/fake_runtime.h"
@@ -33,6 +38,9 @@ class BrowserFactory : public test_support::TranscriptTest {
 
     ScopedVariable implementation{L"MERIDO_ZANWEBBROWSER_IMPLEMENTATION", nullptr};
     ScopedVariable browserFolder{L"MERIDO_WEBVIEW2_BROWSER_EXECUTABLE_FOLDER", nullptr};
+    // Each WebView2 browser ends COM when it goes; here none has begun it.
+    test_support::ReplacedImport<struct Uninitialize, decltype(CoUninitialize)> coUninitialize{
+        "ole32.dll", "CoUninitialize", [] {}};
     test_support::FakeRuntime runtime;
 };
 
@@ -64,13 +72,33 @@ TEST_F(BrowserFactory, WithTooOldARuntimeTheLegacyBrowserServes) {
     EXPECT_EQ(Made(), Backend::Legacy);
 }
 
-TEST_F(BrowserFactory, ARuntimeWhoseVersionIsNoNumberCountsAsNone) {
-    runtime.version = L"unknown";
-    EXPECT_EQ(Made(), Backend::Legacy);
-    EXPECT_EQ(TakeTraceLines(),
-              (Lines{"[0] WebView2 runtime found, version unknown",
-                     "[0] WebView2 runtime version is not a number (invalid stoi argument) - falling back on "
-                     "legacy browser"}));
+TEST_F(BrowserFactory, ARuntimeWhoseVersionCannotBeReadCountsAsNone) {
+    for (const auto& [version, error] : {std::pair{"unknown", "invalid stoi argument"},
+                                         std::pair{"99999999999", "stoi argument out of range"}}) {
+        runtime.version = du::Utf8ToWideStr(version);
+        EXPECT_EQ(Made(), Backend::Legacy);
+        EXPECT_EQ(TakeTraceLines(), (Lines{std::string("[0] WebView2 runtime found, version ") + version,
+                                           std::string("[0] WebView2 runtime version cannot be read (") +
+                                               error + ") - falling back on legacy browser"}));
+    }
+}
+
+TEST_F(BrowserFactory, TheLegacyBrowserSaysThatItIsNotThereAndNamesItsAddress) {
+    const ScopedVariable variable(L"MERIDO_ZANWEBBROWSER_IMPLEMENTATION", L"ie");
+    const auto browser = ZanWebBrowser::Factory("http://server", 1);
+    browser->InitializeCom();
+    browser->Create(nullptr, nullptr);
+    browser->Resize();
+    EXPECT_EQ(browser->GetWindowHandle(), nullptr);
+    browser->Destroy();
+    Lines expected;
+    for (const char* call : {"InitializeCom", "Create", "Resize", "GetWindowHandle", "Destroy"}) {
+        expected.push_back(std::string("[0] ") + call +
+                           ": this version has no legacy browser to show "
+                           "http://serverARPublish/veltauth/check_authenticated_access.txt "
+                           "(kelda/ZanWebBrowserIE)");
+    }
+    EXPECT_EQ(TakeTranscript(), expected);
 }
 
 TEST(TargetAddress, OfTheLoginPageHasASlashOfItsOwn) {

@@ -1,4 +1,4 @@
-// The order of the virtual functions, which hosts that were built earlier rely on.
+// The order of the virtual functions, which hosts that were built earlier with the same compiler rely on.
 #include <cstring>
 #include <vector>
 
