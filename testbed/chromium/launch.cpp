@@ -1,0 +1,163 @@
+// Wine hands a socket over as it is, that is: not blocking, and as descriptor 0. Chromium wants it blocking, as descriptors
+// 3 and 4. So a few lines of Perl stand in between. They also stay, and tell at descriptor 1 how Chromium has ended: the end
+// of the socket is no sign of that, since Chromium shuts it down some time before its end, and after a crash Chromium's
+// other processes may still hold it.
+#include "testbed/chromium/launch.h"
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+namespace testbed::chromium {
+namespace {
+
+constexpr const wchar_t* kInterpreter = L"\\\\?\\unix\\usr\\bin\\perl";
+constexpr std::wstring_view kInterpreterFile = L"\\usr\\bin\\perl";
+
+/// Wine's code page for what the machine below calls its files.
+constexpr UINT kNativeCodePage = 65010;
+
+// No double quotes and no backslashes: it goes through a command line.
+constexpr std::wstring_view kLauncher =
+    L"use POSIX; use Fcntl;"
+    L"fcntl(STDIN, F_SETFL, fcntl(STDIN, F_GETFL, 0) & ~O_NONBLOCK);"
+    L"open(STDERR, '>', '/dev/null');"
+    L"my $pid = fork;"
+    L"if (defined $pid && $pid == 0) {"
+    L" POSIX::dup2(0, 3); POSIX::dup2(0, 4); open(STDIN, '<', '/dev/null'); open(STDOUT, '>', '/dev/null');"
+    L" exec('/usr/bin/chromium', @ARGV, $> == 0 ? '--no-sandbox' : ()); POSIX::_exit(127);"
+    L"}"
+    L"waitpid($pid, 0);"
+    L"my $status = $? & 127 ? 256 + ($? & 127) : $? >> 8;"
+    L"my $text = sprintf('{%cmethod%c:%cLauncher.exited%c,%cparams%c:{%cstatus%c:%d}}', (34) x 8, $status) . "
+    L"chr(0);"
+    L"POSIX::write(1, $text, length($text)); shutdown(STDIN, 2);";
+
+constexpr std::array<std::wstring_view, 11> kSwitches = {
+    L"--remote-debugging-pipe",
+    L"--headless=new",
+    L"--disable-gpu",
+    L"--disable-quic",
+    L"--no-first-run",
+    L"--no-startup-window",
+    L"--disable-background-networking",
+    L"--disable-component-update",
+    L"--disable-sync",
+    // A page that comes back out of that cache has no load event; and frames of other sites would be targets of their own.
+    L"--disable-features=BackForwardCache,IsolateOrigins,site-per-process",
+    L"--disable-site-isolation-trials",
+};
+
+std::wstring FromNative(std::string_view name) {
+    const int length = static_cast<int>(name.size());
+    std::wstring wide(
+        static_cast<std::size_t>(MultiByteToWideChar(kNativeCodePage, 0, name.data(), length, nullptr, 0)),
+        L'\0');
+    MultiByteToWideChar(kNativeCodePage, 0, name.data(), length, wide.data(), static_cast<int>(wide.size()));
+    return wide;
+}
+
+/// Quoted for a command line: names below Wine may contain quotes and backslashes.
+std::wstring Quoted(std::wstring_view argument) {
+    std::wstring quoted = L"\"";
+    std::size_t backslashes = 0;
+    for (const wchar_t character : argument) {
+        if (character == L'"') {
+            quoted.append(backslashes + 1, L'\\');
+        }
+        backslashes = character == L'\\' ? backslashes + 1 : 0;
+        quoted += character;
+    }
+    return quoted.append(backslashes, L'\\') + L'"';
+}
+
+std::wstring CommandLine(const std::string& nativeFolder) {
+    std::wstring line = L"perl -e " + Quoted(kLauncher) + L" --";
+    for (const std::wstring_view option : kSwitches) {
+        line.append(L" ").append(option);
+    }
+    return line + L" " + Quoted(L"--user-data-dir=" + FromNative(nativeFolder));
+}
+
+DWORD MakeFolder(const std::wstring& folder) {
+    std::error_code problem;
+    std::filesystem::create_directories(folder, problem);
+    const DWORD attributes = GetFileAttributesW(folder.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) {
+        const DWORD reason = GetLastError();
+        return reason == ERROR_SUCCESS ? DWORD{ERROR_PATH_NOT_FOUND} : reason;
+    }
+    return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? DWORD{ERROR_SUCCESS} : DWORD{ERROR_DIRECTORY};
+}
+
+/// The handle that the next object of this process gets: the lowest free one.
+std::uintptr_t NextHandle() {
+    HANDLE probe = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    CloseHandle(probe);
+    return reinterpret_cast<std::uintptr_t>(probe);
+}
+
+/// To start a program of the machine below, Wine 8.0 opens its file and never closes it. It is among the first handles that
+/// were made since `first` was the next one; the name makes sure that it is the right one.
+void CloseForgottenFile(std::uintptr_t first) {
+    constexpr std::uintptr_t kStep = 4;
+    constexpr std::uintptr_t kCandidates = 16;
+    for (std::uintptr_t value = first; value < first + kCandidates * kStep; value += kStep) {
+        auto* handle = reinterpret_cast<HANDLE>(value);
+        std::array<wchar_t, MAX_PATH> name{};
+        if (GetFinalPathNameByHandleW(handle, name.data(), MAX_PATH, 0) < MAX_PATH &&
+            std::wstring_view(name.data()).ends_with(kInterpreterFile)) {
+            CloseHandle(handle);
+            return;
+        }
+    }
+}
+
+} // namespace
+
+std::string NativeFolder(const std::wstring& folder, DWORD& error) {
+    using GetNativeName = char*(CDECL*)(LPCWSTR name);
+    const auto getNativeName = reinterpret_cast<GetNativeName>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
+    if (getNativeName == nullptr) {
+        error = ERROR_FILE_NOT_FOUND;
+        return {};
+    }
+    error = MakeFolder(folder);
+    char* name = error == ERROR_SUCCESS ? getNativeName(folder.c_str()) : nullptr;
+    if (name == nullptr) {
+        error = error == ERROR_SUCCESS ? DWORD{ERROR_PATH_NOT_FOUND} : error;
+        return {};
+    }
+    std::string result = name;
+    HeapFree(GetProcessHeap(), 0, name);
+    return result;
+}
+
+DWORD StartChromium(const std::string& nativeFolder, const Socket& channel, const Socket& status) {
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = reinterpret_cast<HANDLE>(channel.Get());
+    startup.hStdOutput = reinterpret_cast<HANDLE>(status.Get());
+    startup.hStdError = INVALID_HANDLE_VALUE;
+    PROCESS_INFORMATION process{};
+    std::wstring line = CommandLine(nativeFolder);
+    const std::uintptr_t nextHandle = NextHandle();
+    if (CreateProcessW(kInterpreter, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                       &process) == FALSE) {
+        return GetLastError();
+    }
+    CloseForgottenFile(nextHandle);
+    // Wine gives none for a program of the machine below.
+    for (HANDLE handle : {process.hProcess, process.hThread}) {
+        if (handle != nullptr) {
+            CloseHandle(handle);
+        }
+    }
+    return ERROR_SUCCESS;
+}
+
+} // namespace testbed::chromium

@@ -1,0 +1,139 @@
+// A page as Chromium reports it: turns the events of its session into calls of the client, and holds what has to be
+// remembered between them.
+#pragma once
+
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <windows.h>
+
+#include "testbed/chromium/connection.h"
+#include "testbed/chromium/navigations.h"
+#include "testbed/chromium/page_client.h"
+
+namespace testbed::chromium {
+
+/// Gets the pictures of a page that is shown.
+class PictureSink {
+  public:
+    /// @param png the picture in base64.
+    virtual void OnPicture(const std::string& png) = 0;
+    /// The page has a new renderer, which knows nothing of the view.
+    virtual void OnRendererReplaced() = 0;
+
+  protected:
+    PictureSink() = default;
+    ~PictureSink() = default;
+    PictureSink(const PictureSink&) = default;
+    PictureSink& operator=(const PictureSink&) = default;
+};
+
+class PageSession final : public EventSink, public std::enable_shared_from_this<PageSession> {
+  public:
+    struct Address {
+        std::string session;
+        std::string target; ///< also the name of the main frame
+        std::string context;
+    };
+
+    PageSession(std::shared_ptr<Connection> connection, Address address)
+        : connection_(std::move(connection)), address_(std::move(address)) {}
+
+    /// Has everything reported from now on. `reply` gets the last answer.
+    void Prepare(const std::string& userAgent, const Connection::Reply& reply);
+    void SetClient(PageClient& client) { client_ = &client; }
+
+    /// A command whose reply is dropped once the page is closed.
+    void Send(const std::string& method, Json params = Json::object(), Connection::Reply reply = {});
+
+    /// A command that goes to the renderer and has to be done before a navigation starts, which would overtake it. But while
+    /// another navigation is underway the renderer is not asked anything.
+    void SendSetting(const std::string& method, Json params, Connection::Reply reply = {});
+
+    /// Chromium works on cookies in several places at once: what is read is to show what was changed before.
+    void ChangeCookies(const std::string& method, Json params, Connection::Reply reply = {});
+    void ReadCookies(const std::string& method, const Json& params, const Connection::Reply& reply);
+
+    void Navigate(const std::string& url, const Headers& extraHeaders);
+    void Stop();
+    void InstallBridge(const std::string& shim);
+    void Close();
+    bool Closed() const { return closed_; }
+    const std::string& Url() const { return url_; }
+
+    void SetRequestInterception(bool enabled) { interception_ = enabled; }
+    void SetScriptDialogsEnabled(bool enabled) { dialogs_ = enabled; }
+    void SetDialogOwner(HWND owner) { dialogOwner_ = owner; }
+    HWND DialogOwner() const { return dialogOwner_; }
+    /// Null for none.
+    void SetPictureSink(PictureSink* sink) { pictures_ = sink; }
+    /// @param width and the other one: in pixels, at least 1.
+    void SetSize(LONG width, LONG height);
+    void SendPictures(bool enabled);
+
+    void OnEvent(const std::string& method, const Json& params) override;
+    void OnConnectionLost() override;
+
+  private:
+    using Handler = void (PageSession::*)(const Json& params);
+    static const std::map<std::string, Handler, std::less<>> kHandlers;
+
+    /// A call of `Navigate` that is not answered yet.
+    struct Wanted {
+        std::string url;
+        Headers extraHeaders;
+        bool sent = false;
+        bool started = false; // its navigation has shown up
+    };
+
+    bool IsMainFrame(const Json& params) const;
+    bool Ask(const std::string& loader, const std::string& url, bool redirected);
+    void Report(const std::vector<NavigationOutcome>& outcomes);
+    Headers TakeExtraHeaders();
+    void SendWanted();
+    void QueueFailure(const std::string& url, const std::string& errorText);
+    void EndCrashed(Crash crash);
+
+    void OnNavigateReply(std::list<Wanted>::iterator wanted, const Json* result);
+    void OnNavigateFailed(const Json& params);
+    void OnRequestPaused(const Json& params);
+    void LetGo(const Json& paused, const Headers& headers);
+    void OnStartedNavigating(const Json& params);
+    void OnResponse(const Json& params);
+    void OnLoadingFailed(const Json& params);
+    void OnFrameNavigated(const Json& params);
+    void OnNavigatedWithinDocument(const Json& params);
+    void OnLifecycle(const Json& params);
+    void OnStoppedLoading(const Json& params);
+    void OnContextCreated(const Json& params);
+    void OnContextDestroyed(const Json& params);
+    void OnContextsCleared(const Json& params);
+    void OnBindingCalled(const Json& params);
+    void OnDialog(const Json& params);
+    void OnPicture(const Json& params);
+    void OnRendererCrashed(const Json& params);
+    void OnRendererReplaced(const Json& params);
+
+    std::shared_ptr<Connection> connection_;
+    Address address_;
+    PageClient* client_ = nullptr; // null before the page is handed out, and once it is closed
+    PictureSink* pictures_ = nullptr;
+    bool closed_ = false;
+    bool sendsPictures_ = false;
+    bool interception_ = false;
+    bool dialogs_ = true;
+    HWND dialogOwner_ = nullptr;
+    std::string url_ = "about:blank";
+    Navigations navigations_;
+    std::list<Wanted> wanted_;
+    int settings_ = 0;                               // that are not done yet
+    int cookieChanges_ = 0;                          // likewise
+    std::vector<std::function<void()>> cookieReads_; // that wait for those
+    std::map<int, std::string> contexts_;            // by number, which is used again, the name, which is not
+};
+
+} // namespace testbed::chromium

@@ -1,0 +1,101 @@
+#include "testbed/chromium/pipe.h"
+
+#include <array>
+#include <utility>
+
+namespace testbed::chromium {
+namespace {
+
+constexpr DWORD kSendMilliseconds = 5000;
+constexpr std::size_t kReadSize = 65536;
+
+} // namespace
+
+Pipe::Pipe(Socket channel, Socket status, std::function<void()> arrived)
+    : channel_(std::move(channel)),
+      status_(std::move(status)),
+      window_(std::move(arrived)),
+      end_(CreateEventW(nullptr, TRUE, FALSE, nullptr), &CloseHandle) {
+    setsockopt(channel_.Get(), SOL_SOCKET, SO_SNDTIMEO, reinterpret_cast<const char*>(&kSendMilliseconds),
+               sizeof(kSendMilliseconds));
+    reader_ = std::thread(&Pipe::ReadAll, this);
+}
+
+Pipe::~Pipe() {
+    shutdown(channel_.Get(), SD_BOTH);
+    shutdown(status_.Get(), SD_BOTH);
+    reader_.join();
+}
+
+bool Pipe::Take(std::deque<std::string>& messages) {
+    const std::scoped_lock lock(mutex_);
+    std::move(arrived_.begin(), arrived_.end(), std::back_inserter(messages));
+    arrived_.clear();
+    return !ended_;
+}
+
+void Pipe::Send(std::string_view message) {
+    std::string bytes(message);
+    bytes += '\0';
+    std::string_view left = bytes;
+    while (!left.empty()) {
+        const int count = send(channel_.Get(), left.data(), static_cast<int>(left.size()), 0);
+        if (count <= 0) {
+            shutdown(channel_.Get(), SD_BOTH);
+            return;
+        }
+        left.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+void Pipe::WaitForEnd(DWORD milliseconds) const {
+    WaitForSingleObject(end_.get(), milliseconds);
+}
+
+void Pipe::ReadAll() {
+    Read(channel_);
+    Read(status_);
+    DeliverEnd();
+}
+
+void Pipe::Read(const Socket& socket) {
+    std::string message;
+    std::array<char, kReadSize> buffer{};
+    for (;;) {
+        const int count = recv(socket.Get(), buffer.data(), static_cast<int>(buffer.size()), 0);
+        if (count <= 0) {
+            break;
+        }
+        std::string_view bytes(buffer.data(), static_cast<std::size_t>(count));
+        for (std::size_t end = bytes.find('\0'); end != std::string_view::npos; end = bytes.find('\0')) {
+            message += bytes.substr(0, end);
+            Deliver(std::exchange(message, {}));
+            bytes.remove_prefix(end + 1);
+        }
+        message += bytes;
+    }
+}
+
+void Pipe::Deliver(std::string&& message) {
+    bool first = false;
+    {
+        const std::scoped_lock lock(mutex_);
+        first = arrived_.empty();
+        arrived_.push_back(std::move(message));
+    }
+    // One posted message for all that is waiting: a queue has a limit.
+    if (first) {
+        window_.Wake();
+    }
+}
+
+void Pipe::DeliverEnd() {
+    {
+        const std::scoped_lock lock(mutex_);
+        ended_ = true;
+    }
+    SetEvent(end_.get());
+    window_.Wake();
+}
+
+} // namespace testbed::chromium

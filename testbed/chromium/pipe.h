@@ -1,0 +1,61 @@
+// The channel to Chromium: messages, whole ones, in both directions.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include <windows.h>
+
+#include "testbed/chromium/message_window.h"
+#include "testbed/chromium/socket_pair.h"
+
+namespace testbed::chromium {
+
+/// Belongs to one thread; another one, of its own, reads.
+class Pipe {
+  public:
+    /// @param status read when `channel` has come to its end; with its end all is over.
+    /// @param arrived called from the message loop when there is something to `Take`.
+    /// @throws std::system_error if there is no window or no thread to be had.
+    Pipe(Socket channel, Socket status, std::function<void()> arrived);
+
+    /// Closes the channel, and with it Chromium.
+    ~Pipe();
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+
+    /// Adds what has arrived.
+    /// @return false when that is the end: nothing will arrive any more.
+    bool Take(std::deque<std::string>& messages);
+
+    /// Sends a message, or nothing if the other end has gone. It waits only if Chromium does not read at all, and then gives
+    /// the channel up after five seconds.
+    void Send(std::string_view message);
+
+    /// Has `arrived` called.
+    void Wake() const { window_.Wake(); }
+
+    /// Waits until Chromium has ended.
+    void WaitForEnd(DWORD milliseconds) const;
+
+  private:
+    void ReadAll();
+    void Read(const Socket& socket);
+    void Deliver(std::string&& message);
+    void DeliverEnd();
+
+    Socket channel_;
+    Socket status_;
+    MessageWindow window_;
+    std::mutex mutex_; // guards the next two
+    std::deque<std::string> arrived_;
+    bool ended_ = false;
+    std::unique_ptr<void, decltype(&CloseHandle)> end_; // an event that is set when all has been read
+    std::thread reader_;
+};
+
+} // namespace testbed::chromium

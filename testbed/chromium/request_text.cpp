@@ -1,0 +1,77 @@
+#include "testbed/chromium/request_text.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace testbed::chromium {
+namespace {
+
+struct KindName {
+    std::string_view name;
+    ResourceKind kind;
+};
+
+constexpr std::array kKindNames = {
+    KindName{"Document", ResourceKind::Document}, KindName{"Stylesheet", ResourceKind::Stylesheet},
+    KindName{"Image", ResourceKind::Image},       KindName{"Media", ResourceKind::Media},
+    KindName{"Font", ResourceKind::Font},         KindName{"Script", ResourceKind::Script},
+    KindName{"XHR", ResourceKind::Fetch},         KindName{"Fetch", ResourceKind::Fetch},
+    KindName{"EventSource", ResourceKind::Fetch}, KindName{"Ping", ResourceKind::Ping},
+};
+
+ResourceKind KindFrom(std::string_view name) {
+    const auto* const found = std::find_if(kKindNames.begin(), kKindNames.end(),
+                                           [&](const KindName& entry) { return entry.name == name; });
+    return found == kKindNames.end() ? ResourceKind::Other : found->kind;
+}
+
+Headers HeadersFrom(const Json& object) {
+    Headers headers;
+    for (const auto& [name, value] : object.items()) {
+        headers.push_back({name, value.get<std::string>()});
+    }
+    return headers;
+}
+
+char Lower(char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+bool SameName(std::string_view one, std::string_view other) {
+    return std::ranges::equal(one, other, {}, &Lower, &Lower);
+}
+
+} // namespace
+
+Request RequestFrom(const Json& paused) {
+    const Json& request = paused.at("request");
+    Request result;
+    result.url = request.at("url").get<std::string>();
+    result.method = request.at("method").get<std::string>();
+    result.kind = KindFrom(paused.at("resourceType").get_ref<const std::string&>());
+    result.redirected = paused.contains("redirectedRequestId");
+    result.headers = HeadersFrom(request.at("headers"));
+    return result;
+}
+
+void Replace(Headers& headers, const Headers& others) {
+    for (const Header& other : others) {
+        std::erase_if(headers, [&](const Header& header) { return SameName(header.name, other.name); });
+    }
+    headers.insert(headers.end(), others.begin(), others.end());
+}
+
+Json ContinueParameters(const Json& paused, const Headers& headers) {
+    Json params = {{"requestId", paused.at("requestId")}};
+    if (headers != HeadersFrom(paused.at("request").at("headers"))) {
+        Json list = Json::array();
+        for (const Header& header : headers) {
+            list.push_back({{"name", header.name}, {"value", header.value}});
+        }
+        params["headers"] = std::move(list);
+    }
+    return params;
+}
+
+} // namespace testbed::chromium

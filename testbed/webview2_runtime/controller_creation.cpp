@@ -1,0 +1,95 @@
+// The creation lives in the callback that waits for the page; a small child window tells it when the parent goes.
+#include "controller_creation.h"
+
+#include <memory>
+#include <system_error>
+#include <utility>
+
+#include "controller.h"
+#include "engine_error.h"
+#include "environment.h"
+#include "listener_window.h"
+
+namespace webview2_runtime {
+namespace {
+
+using Microsoft::WRL::ComPtr;
+using testbed::chromium::Page;
+using testbed::chromium::PageView;
+using CompletedHandler = ICoreWebView2CreateCoreWebView2ControllerCompletedHandler;
+
+class ControllerCreation : private WindowListener {
+  public:
+    ControllerCreation(Environment& environment, HWND parent, CompletedHandler* handler)
+        : parent_(parent),
+          environment_(&environment),
+          handler_(handler),
+          webView_(MakeObject<WebView>(&environment)),
+          watch_(MakeListenerWindow(parent, *this)) {}
+
+    ~ControllerCreation() override {
+        if (watch_ != nullptr) {
+            DestroyListenerWindow(watch_);
+        }
+    }
+
+    WebView& View() const { return *webView_.Get(); }
+
+    void OnPage(std::unique_ptr<Page> page, DWORD error) noexcept {
+        if (!handler_) {
+            return; // completed already, with the parent's end
+        }
+        ComPtr<Controller> controller;
+        HRESULT result = error == ERROR_SUCCESS ? S_OK : ResultOfEngineError(error);
+        if (page) {
+            try {
+                auto view = std::make_unique<PageView>(*page, parent_);
+                webView_->Open(std::move(page));
+                controller = MakeObject<Controller>(webView_, std::move(view), parent_);
+            } catch (const std::system_error& problem) {
+                result = HRESULT_FROM_WIN32(static_cast<DWORD>(problem.code().value()));
+            } catch (const std::bad_alloc&) {
+                result = E_OUTOFMEMORY;
+            }
+        }
+        Complete(result, controller.Get());
+    }
+
+  private:
+    void OnDestroyed() override {
+        watch_ = nullptr;
+        Complete(E_ABORT, nullptr);
+    }
+
+    void Complete(HRESULT result, ICoreWebView2Controller* controller) noexcept {
+        ComPtr<CompletedHandler> handler;
+        handler.Swap(handler_);
+        if (handler) {
+            handler->Invoke(result, controller);
+        }
+    }
+
+    HWND parent_;
+    ComPtr<Environment> environment_;
+    ComPtr<CompletedHandler> handler_; // null once it was called
+    ComPtr<WebView> webView_;
+    HWND watch_; // null once the parent is gone
+};
+
+} // namespace
+
+HRESULT CreateController(Environment& environment, HWND parent, bool inPrivate, CompletedHandler* handler) {
+    if (handler == nullptr) {
+        return E_POINTER;
+    }
+    if (IsWindow(parent) == FALSE) {
+        return HRESULT_FROM_WIN32(ERROR_INVALID_WINDOW_HANDLE);
+    }
+    const auto creation = std::make_shared<ControllerCreation>(environment, parent, handler);
+    environment.Browser().CreatePage(
+        inPrivate, creation->View().Client(),
+        [creation](std::unique_ptr<Page> page, DWORD error) { creation->OnPage(std::move(page), error); });
+    return S_OK;
+}
+
+} // namespace webview2_runtime

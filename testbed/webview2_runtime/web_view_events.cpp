@@ -1,0 +1,72 @@
+// Registration of the seven events. The last four are registered only: nothing raises them yet.
+#include "web_view.h"
+
+namespace webview2_runtime {
+
+HRESULT WebView::add_NavigationStarting(ICoreWebView2NavigationStartingEventHandler* eventHandler,
+                                        EventRegistrationToken* token) {
+    return Add(navigationStarting_, eventHandler, token);
+}
+
+HRESULT WebView::remove_NavigationStarting(EventRegistrationToken token) {
+    return Remove(navigationStarting_, token);
+}
+
+HRESULT WebView::add_NavigationCompleted(ICoreWebView2NavigationCompletedEventHandler* eventHandler,
+                                         EventRegistrationToken* token) {
+    return Add(navigationCompleted_, eventHandler, token);
+}
+
+HRESULT WebView::remove_NavigationCompleted(EventRegistrationToken token) {
+    return Remove(navigationCompleted_, token);
+}
+
+HRESULT WebView::add_WebResourceRequested(ICoreWebView2WebResourceRequestedEventHandler* eventHandler,
+                                          EventRegistrationToken* token) {
+    return Add(webResourceRequested_, eventHandler, token);
+}
+
+HRESULT WebView::remove_WebResourceRequested(EventRegistrationToken token) {
+    return Remove(webResourceRequested_, token);
+}
+
+HRESULT
+WebView::add_WebResourceResponseReceived(ICoreWebView2WebResourceResponseReceivedEventHandler* eventHandler,
+                                         EventRegistrationToken* token) {
+    return Add(webResourceResponseReceived_, eventHandler, token);
+}
+
+HRESULT WebView::remove_WebResourceResponseReceived(EventRegistrationToken token) {
+    return Remove(webResourceResponseReceived_, token);
+}
+
+HRESULT
+WebView::add_BasicAuthenticationRequested(ICoreWebView2BasicAuthenticationRequestedEventHandler* eventHandler,
+                                          EventRegistrationToken* token) {
+    return Add(basicAuthenticationRequested_, eventHandler, token);
+}
+
+HRESULT WebView::remove_BasicAuthenticationRequested(EventRegistrationToken token) {
+    return Remove(basicAuthenticationRequested_, token);
+}
+
+HRESULT WebView::add_ServerCertificateErrorDetected(
+    ICoreWebView2ServerCertificateErrorDetectedEventHandler* eventHandler, EventRegistrationToken* token) {
+    return Add(serverCertificateErrorDetected_, eventHandler, token);
+}
+
+HRESULT WebView::remove_ServerCertificateErrorDetected(EventRegistrationToken token) {
+    return Remove(serverCertificateErrorDetected_, token);
+}
+
+HRESULT
+WebView::add_ClientCertificateRequested(ICoreWebView2ClientCertificateRequestedEventHandler* eventHandler,
+                                        EventRegistrationToken* token) {
+    return Add(clientCertificateRequested_, eventHandler, token);
+}
+
+HRESULT WebView::remove_ClientCertificateRequested(EventRegistrationToken token) {
+    return Remove(clientCertificateRequested_, token);
+}
+
+} // namespace webview2_runtime

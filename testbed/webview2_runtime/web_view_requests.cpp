@@ -1,0 +1,62 @@
+// The requests of pages: which of them the host sees, and what it makes of their headers.
+#include "web_view.h"
+
+#include <memory>
+#include <string>
+
+#include "request_arguments.h"
+#include "testbed/chromium/text.h"
+
+namespace webview2_runtime {
+namespace {
+
+using testbed::chromium::Page;
+using testbed::chromium::ToUtf16;
+
+} // namespace
+
+HRESULT WebView::AddWebResourceRequestedFilter(LPCWSTR uri,
+                                               COREWEBVIEW2_WEB_RESOURCE_CONTEXT resourceContext) {
+    return WithPage([&](Page& page) -> HRESULT {
+        if (uri == nullptr) {
+            return E_POINTER;
+        }
+        filters_.Add(uri, resourceContext);
+        page.SetRequestInterception(true);
+        return S_OK;
+    });
+}
+
+HRESULT WebView::RemoveWebResourceRequestedFilter(LPCWSTR uri,
+                                                  COREWEBVIEW2_WEB_RESOURCE_CONTEXT resourceContext) {
+    return WithPage([&](Page& page) -> HRESULT {
+        if (uri == nullptr) {
+            return E_POINTER;
+        }
+        if (!filters_.Remove(uri, resourceContext)) {
+            return E_INVALIDARG;
+        }
+        page.SetRequestInterception(!filters_.Empty());
+        return S_OK;
+    });
+}
+
+void WebView::OnRequest(testbed::chromium::Request& request) {
+    DuringEvent([&] {
+        const std::wstring uri = ToUtf16(request.url);
+        if (!filters_.Match(uri, request.kind)) {
+            return;
+        }
+        // A copy: the host may keep the objects longer than the request lives.
+        const auto headers = std::make_shared<testbed::chromium::Headers>(request.headers);
+        const auto arguments = MakeObject<WebResourceRequestedArguments>(
+            MakeObject<WebResourceRequest>(RequestOrigin::Page, uri, ToUtf16(request.method), nullptr,
+                                           headers),
+            ContextOf(request.kind));
+        webResourceRequested_.Raise<ICoreWebView2, ICoreWebView2WebResourceRequestedEventArgs>(
+            this, arguments.Get());
+        request.headers = *headers;
+    });
+}
+
+} // namespace webview2_runtime

@@ -1,0 +1,88 @@
+// Counting by the system's own lists.
+#include "tests/e2e/process_counts.h"
+
+#include <stdexcept>
+#include <vector>
+
+#include <windows.h>
+
+#include <winternl.h>
+
+namespace e2e {
+namespace {
+
+// The platform headers know neither this class of information nor its layout; both are stable.
+constexpr ULONG kSystemExtendedHandleInformation = 64;
+
+struct HandleEntry {
+    void* object;
+    ULONG_PTR processId;
+    ULONG_PTR handle;
+    ULONG access;
+    USHORT creatorIndex;
+    USHORT typeIndex;
+    ULONG attributes;
+    ULONG reserved;
+};
+
+struct HandleTable {
+    ULONG_PTR count;
+    ULONG_PTR reserved;
+    HandleEntry entries[1];
+};
+
+std::vector<std::byte> ReadHandleTable() {
+    using QuerySystemInformation = NTSTATUS(NTAPI*)(ULONG, void*, ULONG, ULONG*);
+    const auto query = reinterpret_cast<QuerySystemInformation>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
+    std::vector<std::byte> buffer(1 << 16);
+    ULONG needed = 0;
+    while (query(kSystemExtendedHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()),
+                 &needed) != 0) {
+        if (buffer.size() > (1U << 26)) {
+            throw std::runtime_error("the system does not list its handles");
+        }
+        buffer.resize(buffer.size() * 2);
+    }
+    return buffer;
+}
+
+BOOL CALLBACK CountOwn(HWND window, LPARAM count) {
+    DWORD processId = 0;
+    GetWindowThreadProcessId(window, &processId);
+    if (processId == GetCurrentProcessId()) {
+        ++*reinterpret_cast<std::size_t*>(count);
+        EnumChildWindows(
+            window,
+            [](HWND, LPARAM children) -> BOOL {
+                ++*reinterpret_cast<std::size_t*>(children);
+                return TRUE;
+            },
+            count);
+    }
+    return TRUE;
+}
+
+} // namespace
+
+std::size_t CountHandles() {
+    const std::vector<std::byte> buffer = ReadHandleTable();
+    const auto* const table = reinterpret_cast<const HandleTable*>(buffer.data());
+    std::size_t count = 0;
+    for (ULONG_PTR i = 0; i < table->count; ++i) {
+        count += table->entries[i].processId == GetCurrentProcessId() ? 1 : 0;
+    }
+    return count;
+}
+
+std::size_t CountWindows() {
+    std::size_t count = 0;
+    EnumWindows(&CountOwn, reinterpret_cast<LPARAM>(&count));
+    for (HWND window = nullptr;
+         (window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr)) != nullptr;) {
+        CountOwn(window, reinterpret_cast<LPARAM>(&count));
+    }
+    return count;
+}
+
+} // namespace e2e

@@ -1,0 +1,165 @@
+"""The WebView2 backend in a window of a host: a page of the document server comes up in it and goes away again."""
+
+import os
+import tempfile
+import unittest
+from pathlib import Path
+
+from document_server.login import BAND_COLOUR, BAND_HEIGHT, PAGE_COLOUR
+
+from tests.e2e.browser_host import BrowserHost, await_condition, browser_processes, save_picture
+from tests.flow.viewer_case import windows_path
+from tests.support.document_server import DocumentServer
+
+BEHIND = (255, 255, 255)
+PICTURES = Path(os.environ["KELDA_BIN_DIR"]).parents[1] / "pictures"
+
+
+def rgb(colour: str) -> tuple[int, int, int]:
+    """The parts of a colour like #1f4e79."""
+    return tuple(bytes.fromhex(colour.removeprefix("#")))
+
+
+class BrowserCase(unittest.TestCase):
+    """A document server, and a profile below a folder of the test's own."""
+
+    def setUp(self) -> None:
+        folder = tempfile.TemporaryDirectory(prefix="kelda-e2e-")
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+        self.addCleanup(self.assert_no_browser_process)
+        self.server = self.enterContext(DocumentServer())
+
+    def host(self, check_mode: int = 0, server_url: str = "", **environment: str) -> BrowserHost:
+        """A host whose local preferences lie in the test's folder."""
+        return self.enterContext(BrowserHost(server_url or self.server.url, check_mode, {
+            "MERIDO_USER_PREFS_LOCAL_DIR": windows_path(self.folder), **environment}))
+
+    def assert_shows(self, host: BrowserHost, colour: str, x: int, y: int) -> None:
+        """Waits until the browser's area has that colour there."""
+        await_condition(lambda: host.pixel(x, y) == rgb(colour), f"{colour} at {x},{y}")
+
+    def assert_shows_login_page(self, host: BrowserHost, width: int, height: int) -> None:
+        """The band at the top from edge to edge, the page below it down to the last corner."""
+        for x in (1, width - 2):
+            self.assert_shows(host, BAND_COLOUR, x, 1)
+            self.assert_shows(host, BAND_COLOUR, x, BAND_HEIGHT - 2)
+            self.assert_shows(host, PAGE_COLOUR, x, BAND_HEIGHT + 2)
+            self.assert_shows(host, PAGE_COLOUR, x, height - 2)
+
+    def assert_no_browser_process(self) -> None:
+        """Chromium needs a moment to go."""
+        await_condition(lambda: not browser_processes(self.folder), "the end of all browser processes")
+
+
+class BrowserInAWindow(BrowserCase):
+    def test_the_page_appears_fills_the_window_follows_its_size_and_goes(self) -> None:
+        host = self.host()
+        self.assertEqual(host.tell("create"), "webview2")
+        host.await_event("completed")
+        self.assert_shows_login_page(host, 640, 480)
+        save_picture(PICTURES / "browser-in-a-window.png")
+        self.assertEqual(host.pixel(640 + 5, 100), BEHIND, "nothing is drawn beside the window")
+
+        host.tell("resize 500 300")
+        self.assert_shows_login_page(host, 500, 300)
+        self.assertEqual(host.pixel(560, 100), BEHIND)
+        host.tell("resize 800 600")
+        self.assert_shows_login_page(host, 800, 600)
+
+        host.tell("close")
+        await_condition(lambda: host.pixel(300, 20) != rgb(BAND_COLOUR), "the end of the page")
+        host.tell("release")
+        self.assert_no_browser_process()
+
+    def test_the_first_request_carries_the_librarys_headers_and_every_other_its_accept(self) -> None:
+        host = self.host()
+        host.tell("create")
+        host.await_event("completed")
+        first = self.server.requests()[0]
+        self.assertEqual((first["method"], first["path"]), ("GET", "/qxcore/jsp/qvs/vislogon.jsp"))
+        self.assertEqual((first["headers"]["Accept"], first["headers"]["Pragma"]), ("*/*", "no-cache"))
+        # The icon is an image, for which browsers ask otherwise.
+        icon = "/favicon.ico"
+        await_condition(lambda: icon in [request["path"] for request in self.server.requests()], "the icon's request")
+        self.assertEqual([request["headers"]["Accept"] for request in self.server.requests()], ["*/*", "*/*"])
+
+    def test_a_page_that_calls_the_host_object_reports_its_session_once(self) -> None:
+        host = self.host(server_url=self.server.url + "/login/report?for=", MERIDO_ZANWEBBROWSER_IMPLEMENTATION="parse")
+        host.tell("create")
+        host.await_event("authenticated")
+        call = "[0] ZanWebBrowserEdge::Invoke DISPATCH_METHOD - dispIdMember == DISPID_NORV"
+        await_condition(lambda: host.trace().count(call) == 2, "the page's second call")
+        self.assertEqual(host.trace().count("[0] OnSessionAuthenticated();"), 1)
+        self.assertNotIn("authenticated", host.events())
+
+    def test_nothing_is_left_after_several_browsers(self) -> None:
+        host = self.host()
+        counts = []
+        for _ in range(4):
+            host.tell("create")
+            host.await_event("completed")
+            host.tell("close")
+            host.tell("release")
+            self.assert_no_browser_process()
+            counts.append(host.counts())
+        self.assertEqual(counts[0][2], 0, "objects of the runtime")
+        self.assertEqual(counts, [counts[0]] * 4, "handles, windows and objects after each browser")
+
+    def test_a_browser_that_is_closed_before_it_has_come_up_leaves_nothing(self) -> None:
+        host = self.host()
+        host.tell("create")
+        host.await_event("completed")
+        host.tell("close-release")
+        self.assert_no_browser_process()
+        settled = host.counts()
+        for command in ("close-release", "close", "release"):
+            with self.subTest(command):
+                host.tell("create")
+                host.tell(command)
+                if command == "close":
+                    host.tell("release")
+                self.assert_no_browser_process()
+                await_condition(lambda: host.counts() == settled, f"{settled}, but there are {host.counts()}")
+
+    def test_the_process_of_the_browser_ends_with_a_host_that_dies(self) -> None:
+        host = self.host()
+        host.tell("create")
+        host.await_event("completed")
+        self.assertTrue(browser_processes(self.folder))
+        host.kill()
+        self.assert_no_browser_process()
+
+
+class Words(BrowserCase):
+    def test_devtools_nosso_inprivate_and_trace_are_accepted_together(self) -> None:
+        host = self.host(MERIDO_ZANWEBBROWSER_IMPLEMENTATION="devtools,nosso,inprivate,trace")
+        self.assertEqual(host.tell("create"), "webview2")
+        host.await_event("completed")
+        self.assertEqual(host.trace(), [
+            "[0] WebView2 runtime found, version 146.0.3856.49",
+            "[0] The COM library was initialized successfully",
+            "[0] Using InPrivate mode",
+            f"[0] Navigating to {self.server.url}/qxcore/jsp/qvs/vislogon.jsp",
+        ])
+
+
+class FailedLoad(BrowserCase):
+    def test_a_missing_check_file_is_traced_and_the_browser_stays(self) -> None:
+        host = self.host(check_mode=1, server_url=self.server.url + "/")
+        host.tell("create")
+        failed = "[0] Navigation failed. Leaving Edge control visible for user to read message"
+        await_condition(lambda: failed in host.trace(), "the trace of the failed navigation")
+        self.assertEqual(self.server.requests()[0]["path"], "/ARPublish/veltauth/check_authenticated_access.txt")
+        self.assertEqual(host.events(), [])
+        host.tell("close-release")
+        self.assert_no_browser_process()
+
+    def test_a_server_that_is_not_there_is_traced_and_the_browser_stays(self) -> None:
+        self.server.stop()
+        host = self.host()
+        host.tell("create")
+        failed = "[0] Navigation failed. Leaving Edge control visible for user to read message"
+        await_condition(lambda: failed in host.trace(), "the trace of the failed navigation")
+        self.assertEqual(host.events(), [])
+        self.assertTrue(browser_processes(self.folder))

@@ -1,0 +1,139 @@
+// What the tests of the engine share: a profile folder, a message loop with a deadline, a client that remembers, a site.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "testbed/chromium/browser.h"
+#include "testbed/chromium/page.h"
+#include "testbed/chromium/page_view.h"
+#include "tests/support/canned_server.h"
+
+namespace chromium_test {
+
+using namespace testbed::chromium;
+
+/// Runs the message loop until the condition holds.
+/// @return false if it does not within fifteen seconds.
+bool PumpUntil(const std::function<bool()>& condition);
+
+/// A folder that is not there yet, below the folder for temporary files. Removed in the end.
+class ProfileFolder {
+  public:
+    /// @param extra is added to the name.
+    explicit ProfileFolder(const std::wstring& extra = {});
+    ~ProfileFolder();
+    ProfileFolder(const ProfileFolder&) = delete;
+    ProfileFolder& operator=(const ProfileFolder&) = delete;
+
+    const std::wstring& Path() const { return path_; }
+    /// The numbers of the machine's processes that have this folder in their command line: of Chromium, of its launcher, and
+    /// of another host.
+    std::vector<int> Processes() const;
+    /// Of those, the browser's own; 0 if there is none.
+    int Chromium() const;
+    /// Kills the browser's own process as a crash would.
+    void KillChromium() const;
+
+  private:
+    std::wstring top_;
+    std::wstring path_;
+    std::string mark_; // in the command line of each such process
+};
+
+/// Remembers all, and does what a test has told it to.
+class RecordingClient final : public PageClient {
+  public:
+    bool OnNavigationStarting(const NavigationStart& start) override {
+        starts.push_back(start);
+        return !onStarting || onStarting(start);
+    }
+    void OnRequest(Request& request) override {
+        requests.push_back(request);
+        if (onRequest) {
+            onRequest(request);
+        }
+    }
+    void OnNavigationCompleted(const NavigationOutcome& outcome) override {
+        outcomes.push_back(outcome);
+        if (onCompleted) {
+            onCompleted(outcome);
+        }
+    }
+    void OnBridgeMessage(const std::string& message, std::function<void(const std::string&)> reply) override {
+        messages.push_back(message);
+        if (onMessage) {
+            onMessage(message, reply);
+        }
+    }
+    void OnCrashed(Crash crash) override { crashes.push_back(crash); }
+
+    std::vector<NavigationStart> starts;
+    std::vector<Request> requests;
+    std::vector<NavigationOutcome> outcomes;
+    std::vector<std::string> messages;
+    std::vector<Crash> crashes;
+    std::function<bool(const NavigationStart&)> onStarting;
+    std::function<void(Request&)> onRequest;
+    std::function<void(const NavigationOutcome&)> onCompleted;
+    std::function<void(const std::string&, std::function<void(const std::string&)>)> onMessage;
+};
+
+/// Pages by their path; all else is not found.
+class Site {
+  public:
+    Site();
+
+    void Add(const std::string& path, const std::string& html, const std::string& headers = {});
+    void Add(const std::string& path, test_support::CannedAnswer answer);
+    /// Of this path nothing is answered.
+    void AddStalled(const std::string& path);
+
+    std::string Url(const std::string& path) const;
+    /// Of the path, in order.
+    std::vector<std::string> Requests(const std::string& path) const;
+
+  private:
+    std::map<std::string, test_support::CannedAnswer> answers_; // complete before the first request
+    test_support::CannedServer server_;
+};
+
+struct Opening {
+    bool answered = false;
+    std::shared_ptr<Browser> browser;
+    DWORD error = 0;
+};
+
+/// @return what came of it; not answered if the deadline has passed.
+Opening OpenBrowser(const std::wstring& folder);
+
+/// @return null on any failure.
+std::unique_ptr<Page> CreatePage(Browser& browser, PageClient& client, bool inPrivate = false);
+
+/// Navigates, and waits until that has been completed.
+/// @return the outcome; its id is 0 if the deadline has passed.
+NavigationOutcome Visit(Page& page, RecordingClient& client, const std::string& url,
+                        const Headers& headers = {});
+
+/// @return the result as JSON, or a text that no JSON is.
+std::string Evaluate(Page& page, const std::string& expression);
+
+/// A browser on a folder of its own, with one page.
+class ChromiumTest : public testing::Test {
+  protected:
+    void SetUp() override;
+
+    ProfileFolder folder_;
+    Site site_;
+    RecordingClient client_;
+    std::shared_ptr<Browser> browser_;
+    std::unique_ptr<Page> page_;
+};
+
+} // namespace chromium_test

@@ -1,0 +1,85 @@
+#include "tests/unit/chromium/chromium_test.h"
+
+namespace chromium_test {
+namespace {
+
+class Crashes : public ChromiumTest {
+  protected:
+    Crashes() {
+        site_.Add("/page", "here");
+        site_.AddStalled("/stalled");
+    }
+
+    void WaitForStalled() {
+        page_->Navigate(site_.Url("/stalled"));
+        ASSERT_TRUE(PumpUntil([&] { return !site_.Requests("/stalled").empty(); }));
+    }
+};
+
+TEST_F(Crashes, OfChromiumFailWhatIsPending) {
+    WaitForStalled();
+    std::vector<std::string> failures;
+    page_->Evaluate("new Promise(() => {})",
+                    [&](const auto& json) { failures.push_back(json.value_or("evaluate")); });
+    folder_.KillChromium();
+    ASSERT_TRUE(PumpUntil([&] { return !client_.crashes.empty(); }));
+    EXPECT_EQ(client_.crashes, std::vector{Crash::Browser});
+    EXPECT_EQ(failures, std::vector<std::string>{"evaluate"});
+    ASSERT_EQ(client_.outcomes.size(), 1U);
+    EXPECT_EQ(client_.outcomes[0].error, NavigationError::RendererCrashed);
+    EXPECT_FALSE(browser_->Alive());
+}
+
+TEST_F(Crashes, OfChromiumFailWhatIsAskedForAfterwards) {
+    folder_.KillChromium();
+    ASSERT_TRUE(PumpUntil([&] { return !client_.crashes.empty(); }));
+    EXPECT_EQ(Evaluate(*page_, "1"), "failed");
+    std::optional<bool> taken;
+    page_->SetCookie({"name", "value", "host.test"}, [&](bool success) { taken = success; });
+    EXPECT_TRUE(PumpUntil([&] { return taken.has_value(); }));
+    EXPECT_EQ(taken, false);
+    RecordingClient second;
+    EXPECT_EQ(CreatePage(*browser_, second), nullptr);
+}
+
+TEST_F(Crashes, OfChromiumLeaveTheFolderToTheNextOne) {
+    folder_.KillChromium();
+    ASSERT_TRUE(PumpUntil([&] { return !client_.crashes.empty(); }));
+    const Opening next = OpenBrowser(folder_.Path());
+    ASSERT_NE(next.browser, nullptr) << next.error;
+    EXPECT_NE(next.browser, browser_);
+    RecordingClient client;
+    const auto page = CreatePage(*next.browser, client);
+    ASSERT_NE(page, nullptr);
+    EXPECT_TRUE(Visit(*page, client, site_.Url("/page")).success);
+}
+
+TEST_F(Crashes, OfThePageAreReportedAndAreOverWithTheNextNavigation) {
+    Visit(*page_, client_, site_.Url("/page"));
+    std::vector<std::string> failures;
+    page_->Evaluate("new Promise(() => {})",
+                    [&](const auto& json) { failures.push_back(json.value_or("evaluate")); });
+    page_->Navigate("chrome://crash");
+    ASSERT_TRUE(PumpUntil([&] { return !client_.crashes.empty(); }));
+    EXPECT_EQ(client_.crashes, std::vector{Crash::Renderer});
+    EXPECT_EQ(failures, std::vector<std::string>{"evaluate"});
+    EXPECT_EQ(client_.starts.size(), client_.outcomes.size());
+    EXPECT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
+    EXPECT_EQ(Evaluate(*page_, "1"), "1");
+}
+
+TEST_F(Crashes, MayDestroyEverythingInTheFailingCallback) {
+    WaitForStalled();
+    page_->Evaluate("new Promise(() => {})", [&](const auto&) {
+        page_.reset();
+        browser_.reset();
+    });
+    page_->Evaluate("new Promise(() => {})",
+                    [&](const auto&) { ADD_FAILURE() << "of a page that has gone"; });
+    folder_.KillChromium();
+    EXPECT_TRUE(PumpUntil([&] { return browser_ == nullptr && folder_.Processes().empty(); }));
+    EXPECT_TRUE(client_.crashes.empty());
+}
+
+} // namespace
+} // namespace chromium_test

@@ -1,0 +1,133 @@
+#include "tests/unit/chromium/chromium_test.h"
+
+namespace chromium_test {
+namespace {
+
+constexpr const char* kShim =
+    "(send) => {"
+    "  window.ask = (text) => new Promise((resolve) => { window.answer = resolve; send(text); });"
+    "  return (text) => window.answer(text);"
+    "}";
+
+class Scripts : public ChromiumTest {
+  protected:
+    Scripts() {
+        site_.Add("/page", "<script>window.seen = window.order || 'nothing'</script>");
+        site_.Add("/other", "other");
+        site_.Add("/asks", "<script>ask('one').then((text) => { document.title = text })</script>");
+        site_.Add("/alerts", "<script>alert('hear'); window.answered = confirm('well?')</script>");
+    }
+
+    std::string AddScript(const std::string& source) {
+        std::string id;
+        page_->AddDocumentScript(source, [&](const auto& added) { id = added.value_or("failed"); });
+        EXPECT_TRUE(PumpUntil([&] { return !id.empty(); }));
+        return id;
+    }
+
+    /// Answers the next message box of this thread with a button, and keeps its text.
+    void AnswerBox(WPARAM button) {
+        button_ = button;
+        current = this;
+        timer_ =
+            SetTimer(nullptr, 0, USER_TIMER_MINIMUM, [](HWND, UINT, UINT_PTR, DWORD) { current->OnTimer(); });
+    }
+    void OnTimer() {
+        const HWND box = FindWindowW(MAKEINTRESOURCEW(32770), boxTitle_.c_str());
+        if (box != nullptr) {
+            ++boxes_;
+            PostMessageW(box, WM_COMMAND, button_, 0);
+            boxTitle_ = boxes_ < 2 ? boxTitle_ : L"no more";
+        }
+    }
+    ~Scripts() override { KillTimer(nullptr, timer_); }
+
+    static inline Scripts* current = nullptr;
+    std::wstring boxTitle_;
+    WPARAM button_ = 0;
+    UINT_PTR timer_ = 0;
+    int boxes_ = 0;
+};
+
+TEST_F(Scripts, OfDocumentsRunBeforeThoseOfThePageInTheirOrder) {
+    AddScript("window.order = 'first'");
+    AddScript("window.order += ' second'");
+    Visit(*page_, client_, site_.Url("/page"));
+    EXPECT_EQ(Evaluate(*page_, "window.seen"), "\"first second\"");
+}
+
+TEST_F(Scripts, OfDocumentsRunNoMoreOnceRemoved) {
+    const std::string id = AddScript("window.order = 'first'");
+    page_->RemoveDocumentScript(id);
+    Visit(*page_, client_, site_.Url("/page"));
+    EXPECT_EQ(Evaluate(*page_, "window.seen"), "\"nothing\"");
+}
+
+TEST_F(Scripts, OfDocumentsReachFramesOfOtherSites) {
+    AddScript("window.order = 'in ' + location.pathname");
+    std::string frame = site_.Url("/page");
+    frame.replace(frame.find("127.0.0.1"), 9, "localhost");
+    site_.Add("/outer", "<iframe onload='frames[0].postMessage(1, \"*\")' src='" + frame + "'></iframe>");
+    AddScript("if (parent !== window) onmessage = () => parent.postMessage(window.seen, '*');"
+              "else onmessage = (event) => { document.title = event.data }");
+    Visit(*page_, client_, site_.Url("/outer"));
+    EXPECT_TRUE(PumpUntil([&] { return Evaluate(*page_, "document.title") == "\"in /page\""; }));
+}
+
+TEST_F(Scripts, DoNotRunWhileSwitchedOff) {
+    page_->SetScriptEnabled(false);
+    Visit(*page_, client_, site_.Url("/page"));
+    page_->SetScriptEnabled(true);
+    EXPECT_EQ(Evaluate(*page_, "String(window.seen)"), "\"undefined\"");
+}
+
+TEST_F(Scripts, EvaluatedGiveTheirResultOrFail) {
+    EXPECT_EQ(Evaluate(*page_, "[1, 'two', {three: null}]"), R"([1,"two",{"three":null}])");
+    EXPECT_EQ(Evaluate(*page_, "undefined"), "null");
+    EXPECT_EQ(Evaluate(*page_, "Promise.resolve('later')"), "\"later\"");
+    EXPECT_EQ(Evaluate(*page_, "throw 1"), "failed");
+}
+
+TEST_F(Scripts, OfThePageTalkOverTheBridgeAndAreAnswered) {
+    page_->InstallBridge(kShim);
+    client_.onMessage = [](const std::string& message, const auto& reply) {
+        reply("answer to \"" + message + "\" \xE2\x82\xAC");
+    };
+    Visit(*page_, client_, site_.Url("/asks"));
+    EXPECT_TRUE(PumpUntil([&] { return Evaluate(*page_, "document.title") != "\"\""; }));
+    EXPECT_EQ(client_.messages, std::vector<std::string>{"one"});
+    EXPECT_EQ(Evaluate(*page_, "document.title"), "\"answer to \\\"one\\\" \xE2\x82\xAC\"");
+    EXPECT_EQ(Evaluate(*page_, "typeof __testbedSend"), "\"undefined\"");
+}
+
+TEST_F(Scripts, OfADocumentThatHasGoneGetNoAnswerNorDoesTheNext) {
+    page_->InstallBridge(kShim);
+    std::function<void(const std::string&)> reply;
+    client_.onMessage = [&](const std::string&, const auto& given) { reply = given; };
+    Visit(*page_, client_, site_.Url("/asks"));
+    ASSERT_TRUE(PumpUntil([&] { return reply != nullptr; }));
+    Visit(*page_, client_, site_.Url("/other"));
+    Evaluate(*page_, "window.answer = (text) => { document.title = text }");
+    reply("too late");
+    EXPECT_EQ(Evaluate(*page_, "document.title"), "\"\"");
+    page_.reset();
+    reply("far too late");
+}
+
+TEST_F(Scripts, OpenMessageBoxes) {
+    const std::string url = site_.Url("/alerts");
+    boxTitle_ = std::wstring(url.begin(), url.end());
+    AnswerBox(IDOK);
+    EXPECT_TRUE(Visit(*page_, client_, url).success);
+    EXPECT_GE(boxes_, 2);
+    EXPECT_EQ(Evaluate(*page_, "window.answered"), "true");
+}
+
+TEST_F(Scripts, AreAnsweredWithoutMessageBoxesWhereThoseAreSwitchedOff) {
+    page_->SetScriptDialogsEnabled(false);
+    EXPECT_TRUE(Visit(*page_, client_, site_.Url("/alerts")).success);
+    EXPECT_EQ(Evaluate(*page_, "window.answered"), "false");
+}
+
+} // namespace
+} // namespace chromium_test
