@@ -113,14 +113,17 @@ class BrowserInAWindow(BrowserCase):
         host.tell("close-release")
         self.assert_no_browser_process()
         settled = host.counts()
-        for command in ("close-release", "close", "release"):
-            with self.subTest(command):
-                host.tell("create")
-                host.tell(command)
-                if command == "close":
-                    host.tell("release")
-                self.assert_no_browser_process()
-                await_condition(lambda: host.counts() == settled, f"{settled}, but there are {host.counts()}")
+        for started in (False, True):
+            for commands in (("close-release",), ("close", "release"), ("release",)):
+                with self.subTest(commands=commands, started=started):
+                    host.tell("create")
+                    if started:
+                        await_condition(lambda: browser_processes(self.folder), "the browser's start")
+                    for command in commands:
+                        host.tell(command)
+                    self.assert_no_browser_process()
+                    await_condition(lambda: host.counts() == settled, f"the return to {settled}")
+        self.assertNotIn("completed", host.events())
 
     def test_the_process_of_the_browser_ends_with_a_host_that_dies(self) -> None:
         host = self.host()

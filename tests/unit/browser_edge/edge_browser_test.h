@@ -38,12 +38,26 @@ class EdgeBrowserTest : public test_support::TranscriptTest {
     }
     void Create() { browser->Create(&owner, parent); }
 
-    /// From construction to the first navigation; what it recorded is dropped.
-    void BringUp(int checkMode = 0) {
+    // A new browser as far as the completion that it then waits for; what was recorded is dropped.
+    void AwaitEnvironment(int checkMode = 0) {
         MakeBrowser(checkMode);
         Create();
+        TakeTranscript();
+    }
+    void AwaitController(int checkMode = 0) {
+        AwaitEnvironment(checkMode);
         runtime.CompleteEnvironment();
+        TakeTranscript();
+    }
+    void AwaitScript(int checkMode = 0) {
+        AwaitController(checkMode);
         runtime.CompleteController();
+        TakeTranscript();
+    }
+
+    /// A new browser on its way to its address.
+    void BringUp(int checkMode = 0) {
+        AwaitScript(checkMode);
         runtime.CompleteScript();
         TakeTranscript();
     }

@@ -197,9 +197,7 @@ TEST_F(FailingCalls, EachIsTracedInItsWordsAndAllTheRestStillHappens) {
 
 TEST_F(FailingCalls, WithoutTheEnvironmentsTenthViewNoControllerIsAskedFor) {
     runtime.script.answers["environment.QueryInterface ICoreWebView2Environment10"] = E_NOINTERFACE;
-    MakeBrowser();
-    Create();
-    TakeTranscript();
+    AwaitEnvironment();
     EXPECT_EQ(runtime.CompleteEnvironment(), S_OK);
     EXPECT_EQ(TakeTranscript(),
               (Lines{"environment.QueryInterface ICoreWebView2Environment2",
@@ -218,10 +216,7 @@ TEST_F(FailingCalls, WhatTheCallForTheControllerReturnsIsNotLookedAt) {
 
 TEST_F(FailingCalls, WithoutAWebViewEveryStepThatNeedsItIsTraced) {
     runtime.script.answers["controller.get_CoreWebView2"] = E_FAIL;
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    TakeTranscript();
+    AwaitController();
     EXPECT_EQ(runtime.CompleteController(), S_OK);
     Lines expected;
     for (const char* operation :
@@ -237,10 +232,7 @@ TEST_F(FailingCalls, WithoutAWebViewEveryStepThatNeedsItIsTraced) {
 
 TEST_F(FailingCalls, WhenTheDocumentScriptIsRefusedThereIsNoNavigation) {
     runtime.script.answers["webView.AddScriptToExecuteOnDocumentCreated"] = E_FAIL;
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    TakeTranscript();
+    AwaitController();
     EXPECT_EQ(runtime.CompleteController(), S_OK);
     EXPECT_EQ(TakeTraceLines(),
               Lines{"[0] Failed: AddScriptToExecuteOnDocumentCreated error code: -2147467259"});

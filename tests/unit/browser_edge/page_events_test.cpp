@@ -289,11 +289,7 @@ TEST_F(PageEvents, AChallengeIsTracedAndLeftToTheRuntime) {
 TEST_F(PageEvents, TheFirstRequestThatCannotBeMadeIsTracedTogetherWithTheNavigationWithoutIt) {
     runtime.script.answers["environment2.CreateWebResourceRequest"] = E_INVALIDARG;
     runtime.script.answers["webView15.NavigateWithWebResourceRequest"] = E_POINTER;
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    runtime.CompleteController();
-    TakeTranscript();
+    AwaitScript();
     EXPECT_EQ(runtime.CompleteScript(), S_OK);
     EXPECT_EQ(TakeTraceLines(),
               (Lines{"[0] Failed: CreateWebResourceRequest error code: -2147024809",

@@ -191,17 +191,13 @@ TEST_F(StartUp, ReadsTheWordsWhenTheBrowserIsMade) {
 }
 
 TEST_F(StartUp, AFailedEnvironmentIsTracedAndItsCodeReturned) {
-    MakeBrowser();
-    Create();
-    TakeTranscript();
+    AwaitEnvironment();
     EXPECT_EQ(runtime.CompleteEnvironment(E_ACCESSDENIED), E_ACCESSDENIED);
     EXPECT_EQ(TakeTranscript(), Lines{"[0] Failed to create WebView2 environment -2147024891"});
 }
 
 TEST_F(StartUp, ASuccessWithoutAnEnvironmentIsTracedAndItsCodeReturned) {
-    MakeBrowser();
-    Create();
-    TakeTranscript();
+    AwaitEnvironment();
     EXPECT_EQ(runtime.environmentCreated->Invoke(S_FALSE, nullptr), S_FALSE);
     EXPECT_EQ(TakeTranscript(), Lines{"[0] Failed to create WebView2 environment 1"});
 }
@@ -215,10 +211,7 @@ TEST_F(StartUp, WhatTheCallForTheEnvironmentReturnsIsNotLookedAt) {
 
 TEST_F(StartUp, AControllerThatComesWithAnythingButOkIsNotWired) {
     for (const HRESULT result : {S_FALSE, E_ABORT}) {
-        MakeBrowser();
-        Create();
-        runtime.CompleteEnvironment();
-        TakeTranscript();
+        AwaitController();
         EXPECT_EQ(runtime.CompleteController(result), result);
         EXPECT_EQ(TakeTranscript(), result == S_FALSE ? Lines{"controller gone"} : Lines{});
         browser.reset();
@@ -226,10 +219,7 @@ TEST_F(StartUp, AControllerThatComesWithAnythingButOkIsNotWired) {
 }
 
 TEST_F(StartUp, WithoutAControllerEveryStepThatIsTracedIsTracedAsFailed) {
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    TakeTranscript();
+    AwaitController();
     EXPECT_EQ(runtime.controllerCreated->Invoke(S_OK, nullptr), S_OK);
     EXPECT_EQ(
         TakeTranscript(),
@@ -247,11 +237,7 @@ TEST_F(StartUp, WithoutAControllerEveryStepThatIsTracedIsTracedAsFailed) {
 }
 
 TEST_F(StartUp, AFailedScriptRegistrationEndsItBeforeTheNavigation) {
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    runtime.CompleteController();
-    TakeTranscript();
+    AwaitScript();
     EXPECT_EQ(runtime.CompleteScript(E_FAIL), S_OK);
     EXPECT_EQ(TakeTranscript(),
               Lines{"[0] Failed: ICoreWebView2AddScriptToExecuteOnDocumentCreatedCompletedHandler error "
@@ -308,9 +294,7 @@ TEST_F(StartUp, ResizeFitsTheBrowserToItsParentAgain) {
 }
 
 TEST_F(StartUp, ResizeWithoutAControllerSizesNothing) {
-    MakeBrowser();
-    Create();
-    TakeTranscript();
+    AwaitEnvironment();
     browser->Resize();
     EXPECT_EQ(TakeTranscript(), Lines{"GetClientRect of the parent"});
 }
@@ -346,10 +330,7 @@ TEST_F(StartUp, AResizeWhileItIsShownIsServed) {
 
 TEST_F(StartUp, ClosedWhileItIsShownItRegistersNothing) {
     runtime.script.during["controller.put_IsVisible"] = [this] { browser->Destroy(); };
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    TakeTranscript();
+    AwaitController();
     EXPECT_EQ(runtime.CompleteController(), S_OK);
     EXPECT_EQ(TakeTraceLines(), Lines{}) << "a registration was tried";
     EXPECT_TRUE(runtime.webView.handlers.empty());
@@ -377,10 +358,7 @@ TEST_F(StartUp, ClosedOrDeletedWhileItIsSizedItIsNotShown) {
 
 TEST_F(StartUp, DeletedWhileItIsShownItRegistersNothing) {
     runtime.script.during["controller.put_IsVisible"] = [this] { browser.reset(); };
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    TakeTranscript();
+    AwaitController();
     EXPECT_EQ(runtime.CompleteController(), S_OK);
     EXPECT_EQ(TakeTraceLines(), Lines{}) << "a registration was tried";
     EXPECT_TRUE(runtime.webView.handlers.empty());

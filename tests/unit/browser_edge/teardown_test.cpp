@@ -62,28 +62,19 @@ TEST_F(Teardown, BeforeCreationDoesNothing) {
 }
 
 TEST_F(Teardown, WhileTheEnvironmentIsPendingDoesNothing) {
-    MakeBrowser();
-    Create();
-    TakeTranscript();
+    AwaitEnvironment();
     browser->Destroy();
     EXPECT_EQ(TakeTranscript(), Lines{});
 }
 
 TEST_F(Teardown, BeforeTheControllerHasArrivedOnlyReleases) {
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    TakeTranscript();
+    AwaitController();
     browser->Destroy();
     EXPECT_EQ(TakeTranscript(), (Lines{"environment gone", "environment2 gone"}));
 }
 
 TEST_F(Teardown, BeforeTheScriptIsRegisteredHasNoScriptToRemove) {
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    runtime.CompleteController();
-    TakeTranscript();
+    AwaitScript();
     browser->Destroy();
     EXPECT_EQ(TakeTranscript(), (kRemovals + Lines{"webView.Stop", "controller.Close"} + kReleases));
 }
@@ -118,11 +109,7 @@ TEST_F(Teardown, AFailureOfCloseItselfIsNotTraced) {
 
 TEST_F(Teardown, WithoutAWebViewTheControllerIsClosedAllTheSame) {
     runtime.script.answers["controller.get_CoreWebView2"] = E_FAIL;
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    runtime.CompleteController();
-    TakeTranscript();
+    AwaitScript();
     browser->Destroy();
     EXPECT_EQ(TakeTranscript(),
               (Lines{"controller.Close", "controller gone", "environment gone", "environment2 gone"}));
@@ -194,9 +181,7 @@ TEST_F(Teardown, AFailureThatArrivesAfterItIsAnsweredQuietly) {
 }
 
 TEST_F(Teardown, AControllerThatArrivesAfterItIsAnsweredQuietly) {
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
+    AwaitController();
     browser->Destroy();
     TakeTranscript();
     EXPECT_EQ(runtime.CompleteController(), S_OK);
@@ -204,10 +189,7 @@ TEST_F(Teardown, AControllerThatArrivesAfterItIsAnsweredQuietly) {
 }
 
 TEST_F(Teardown, AScriptThatIsRegisteredAfterItStartsNoNavigation) {
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    runtime.CompleteController();
+    AwaitScript();
     browser->Destroy();
     TakeTranscript();
     EXPECT_EQ(runtime.CompleteScript(), S_OK);
@@ -221,18 +203,13 @@ TEST_F(Teardown, CompletionsAfterDeletionAreAnsweredQuietly) {
     TakeTranscript();
     EXPECT_EQ(runtime.CompleteEnvironment(), S_OK);
 
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
+    AwaitController();
     browser.reset();
     TakeTranscript();
     EXPECT_EQ(runtime.CompleteController(), S_OK);
     EXPECT_EQ(TakeTranscript(), Lines{"controller gone"});
 
-    MakeBrowser();
-    Create();
-    runtime.CompleteEnvironment();
-    runtime.CompleteController();
+    AwaitScript();
     browser.reset();
     TakeTranscript();
     EXPECT_EQ(runtime.CompleteScript(), S_OK);
