@@ -1,6 +1,7 @@
 // What the tests of the WebView2 backend share: a browser on a fake runtime, in a window that only answers its size.
 #pragma once
 
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -9,6 +10,7 @@
 #include <objbase.h>
 
 #include "kelda/kelda.h"
+#include "tests/support/freed_blocks.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/scoped_variable.h"
 #include "tests/support/transcript.h"
@@ -61,6 +63,10 @@ class EdgeBrowserTest : public test_support::TranscriptTest {
         runtime.CompleteScript();
         TakeTranscript();
     }
+
+    /// What is freed is overwritten, so that a use of it shows.
+    test_support::FreedBlocksWatch poison{
+        [](const void* block, std::size_t size) { std::memset(const_cast<void*>(block), 0xDD, size); }};
 
     const HWND parent = reinterpret_cast<HWND>(0x4711);
     RECT clientRect{0, 0, 640, 480};
