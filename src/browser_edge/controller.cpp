@@ -49,8 +49,8 @@ HRESULT ZanWebBrowserEdge::Impl::OnControllerCreated(HRESULT result, ICoreWebVie
 }
 
 void ZanWebBrowserEdge::Impl::TakeController(ICoreWebView2Controller* controller) {
-    ComPtr<ICoreWebView2Controller>(controller)
-        .Swap(objects_.controller); // the new one is held before the old one goes
+    // The new one is held before the old one goes.
+    ComPtr<ICoreWebView2Controller>(controller).Swap(objects_.controller);
     RefuseExternalDrop(objects_.controller);
     CallOn(objects_.controller, &ICoreWebView2Controller::get_CoreWebView2,
            objects_.webView.ReleaseAndGetAddressOf());

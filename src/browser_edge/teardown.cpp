@@ -7,8 +7,8 @@
 
 namespace kelda {
 
-// All that it lets go of is taken out of this object first: stopping and closing pump messages, in which the owner may call Destroy
-// again, which then finds nothing to do, or delete this object.
+// All that it lets go of is taken out of this object first: stopping and closing pump messages, in which the owner may
+// call Destroy again, which then finds nothing to do, or delete this object.
 void ZanWebBrowserEdge::Impl::Destroy() {
     StopListening();
     WebViewObjects objects = std::move(objects_);
