@@ -1,4 +1,5 @@
-// The environment: where the browser comes from, where its profile lies, and the request for a controller once it is there.
+// The environment: where the browser comes from, where its profile lies, and the request for a controller once it is
+// there.
 #include <memory>
 
 #include "WebView2EnvironmentOptions.h"

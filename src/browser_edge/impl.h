@@ -30,8 +30,8 @@ namespace kelda {
 
 /// Lives on the thread that made it. Owned by ZanWebBrowserEdge alone: its COM count decides nothing.
 ///
-/// Sizing, showing, stopping or closing the browser pumps messages, so that the owner may call in again, or delete this object,
-/// while one of its functions is running: after such a call a function touches only what it holds itself.
+/// Sizing, showing, stopping or closing the browser pumps messages, so that the owner may call in again, or delete this
+/// object, while one of its functions is running: after such a call a function touches only what it holds itself.
 class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDispatchHelper::AuthCallback {
   public:
     Impl(const du::Symbol& serverUrl, int checkMode);

@@ -9,7 +9,8 @@
 
 namespace kelda {
 
-/// The later views are views of `webView`. Where nobody lets go of them earlier, they are released from the last to the first.
+/// The later views are views of `webView`. Where nobody lets go of them earlier, they are released from the last to the
+/// first.
 struct WebViewObjects {
     Microsoft::WRL::ComPtr<ICoreWebView2Controller> controller;
     Microsoft::WRL::ComPtr<ICoreWebView2> webView;

@@ -2,11 +2,11 @@
 #include "testbed/chromium/browser.h"
 
 #include <map>
-#include <mutex>
 #include <utility>
 
 #include "testbed/chromium/browser_opening.h"
 #include "testbed/chromium/connection.h"
+#include "testbed/chromium/exclusive_lock.h"
 #include "testbed/chromium/launch.h"
 #include "testbed/chromium/page_creation.h"
 
@@ -38,7 +38,7 @@ class NewWindows final : public EventSink {
 using Key = std::pair<DWORD, std::string>;
 
 struct Openings {
-    std::mutex mutex;
+    SRWLOCK lock = SRWLOCK_INIT;
     std::map<Key, std::weak_ptr<BrowserOpening>> entries;
 };
 
@@ -51,7 +51,7 @@ Openings& AllOpenings() {
 std::shared_ptr<BrowserOpening> FindOrStart(const std::string& nativeFolder, const BrowserOptions& options,
                                             DWORD& error) {
     Openings& openings = AllOpenings();
-    const std::scoped_lock lock(openings.mutex);
+    const ExclusiveLock locked(openings.lock);
     std::weak_ptr<BrowserOpening>& entry = openings.entries[{GetCurrentThreadId(), nativeFolder}];
     auto opening = entry.lock();
     if (opening == nullptr || !opening->Usable()) {

@@ -42,7 +42,7 @@ class Browser : public std::enable_shared_from_this<Browser> {
     ///        The module that holds this code must stay loaded until then.
     static void Open(const std::wstring& folder, const BrowserOptions& options, Opened opened);
 
-    /// Asks Chromium to end and waits until it has, two seconds at most; usual are some 100 ms. After that the folder is
+    /// Asks Chromium to end and waits until it has, four seconds at most; usual are some 100 ms. After that the folder is
     /// free for the next `Open`.
     ~Browser();
     Browser(const Browser&) = delete;

@@ -7,11 +7,12 @@
 #include <utility>
 
 #include "testbed/chromium/launch.h"
+#include "testbed/chromium/message_text.h"
 
 namespace testbed::chromium {
 namespace {
 
-/// How long Chromium has for ending in good order.
+/// How long Chromium has for ending in good order, and then for ending without a channel.
 constexpr DWORD kEndMilliseconds = 2000;
 
 /// True for as long as it lives.
@@ -27,7 +28,7 @@ class Flagged {
 };
 
 /// Chromium has said something in a form that it is not known to use; nobody can do anything with it.
-void ReportMisunderstanding(const Json::exception& problem) {
+void ReportMisunderstanding(const std::exception& problem) {
     OutputDebugStringA(problem.what());
 }
 
@@ -54,12 +55,7 @@ std::shared_ptr<Connection> Connection::Start(const std::string& nativeFolder, D
 }
 
 Connection::~Connection() {
-    try {
-        End();
-    } catch (const std::exception&) {
-        // There was no memory for asking; the closed channel ends Chromium as well.
-        OutputDebugStringA("Chromium was not asked to end\n");
-    }
+    End();
 }
 
 void Connection::Send(const std::string& method, Json params, const std::string& session, Reply reply) {
@@ -104,13 +100,25 @@ void Connection::Queue(const std::string& session, const std::string& method, Js
     }
 }
 
-void Connection::End() {
+void Connection::AskToEnd() noexcept {
+    try {
+        Send("Browser.close", Json::object(), {});
+    } catch (const std::exception&) {
+        // There was no memory for asking; the closed channel ends Chromium as well.
+        pipe_->Close();
+    }
+    if (!pipe_->WaitForEnd(kEndMilliseconds)) {
+        pipe_->Close();
+        pipe_->WaitForEnd(kEndMilliseconds);
+    }
+}
+
+void Connection::End() noexcept {
     if (pipe_ == nullptr) {
         return;
     }
     if (!lost_) {
-        Send("Browser.close", Json::object(), {});
-        pipe_->WaitForEnd(kEndMilliseconds);
+        AskToEnd();
     }
     pipe_.reset();
     arrived_.clear();
@@ -142,7 +150,7 @@ void Connection::OnArrived() {
 }
 
 void Connection::Receive(const std::string& text) try {
-    const Json message = Json::parse(text);
+    const Json message = ParseMessage(text);
     if (message.contains("id")) {
         ReceiveReply(message);
         return;
@@ -157,7 +165,7 @@ void Connection::Receive(const std::string& text) try {
         events_.push_back(std::move(event));
         DispatchEvents();
     }
-} catch (const Json::exception& problem) {
+} catch (const std::exception& problem) {
     ReportMisunderstanding(problem);
 }
 
@@ -199,7 +207,7 @@ void Connection::Dispatch(const Event& event) try {
     if (const auto sink = found == sinks_.end() ? nullptr : found->second.lock()) {
         sink->OnEvent(event.method, event.params);
     }
-} catch (const Json::exception& problem) {
+} catch (const std::exception& problem) {
     ReportMisunderstanding(problem);
 }
 

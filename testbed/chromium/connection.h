@@ -74,7 +74,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     std::optional<int> ExitStatus() const { return exitStatus_; }
 
     /// Asks Chromium to end, waits for that a bounded time, and drops all that waits. Nothing is called any more.
-    void End();
+    void End() noexcept;
 
   private:
     struct PendingReply {
@@ -93,6 +93,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void DispatchEvents();
     void Dispatch(const Event& event);
     void Lose();
+    void AskToEnd() noexcept;
     std::vector<Reply> TakeReplies(const std::function<bool(const PendingReply&)>& chosen);
 
     SocketLibrary library_;

@@ -1,7 +1,8 @@
 // Wine hands a socket over as it is, that is: not blocking, and as descriptor 0. Chromium wants it blocking, as descriptors
 // 3 and 4. So a few lines of Perl stand in between. They also stay, and tell at descriptor 1 how Chromium has ended: the end
 // of the socket is no sign of that, since Chromium shuts it down some time before its end, and after a crash Chromium's
-// other processes may still hold it.
+// other processes may still hold it. They shut both sockets down rather than close them, because a process that was started
+// in the same moment may have inherited them.
 #include "testbed/chromium/launch.h"
 
 #include <array>
@@ -33,7 +34,7 @@ constexpr std::wstring_view kLauncher =
     L"my $status = $? & 127 ? 256 + ($? & 127) : $? >> 8;"
     L"my $text = sprintf('{%cmethod%c:%cLauncher.exited%c,%cparams%c:{%cstatus%c:%d}}', (34) x 8, $status) . "
     L"chr(0);"
-    L"POSIX::write(1, $text, length($text)); shutdown(STDIN, 2);";
+    L"POSIX::write(1, $text, length($text)); shutdown(STDIN, 2); shutdown(STDOUT, 2);";
 
 constexpr std::array<std::wstring_view, 11> kSwitches = {
     L"--remote-debugging-pipe",
@@ -95,12 +96,14 @@ DWORD MakeFolder(const std::wstring& folder) {
 /// The handle that the next object of this process gets: the lowest free one.
 std::uintptr_t NextHandle() {
     HANDLE probe = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    const auto value = reinterpret_cast<std::uintptr_t>(probe);
     CloseHandle(probe);
-    return reinterpret_cast<std::uintptr_t>(probe);
+    return value;
 }
 
 /// To start a program of the machine below, Wine 8.0 opens its file and never closes it. It is among the first handles that
-/// were made since `first` was the next one; the name makes sure that it is the right one.
+/// were made since `first` was the next one; the name makes sure that it is the right one. What the machine below
+/// has open for it stays open: there is no way to that.
 void CloseForgottenFile(std::uintptr_t first) {
     constexpr std::uintptr_t kStep = 4;
     constexpr std::uintptr_t kCandidates = 16;
@@ -132,6 +135,10 @@ std::string NativeFolder(const std::wstring& folder, DWORD& error) {
         return {};
     }
     std::string result = name;
+    // A folder is the same one with and without its last separator.
+    while (result.size() > 1 && result.back() == '/') {
+        result.pop_back();
+    }
     HeapFree(GetProcessHeap(), 0, name);
     return result;
 }

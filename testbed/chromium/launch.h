@@ -9,7 +9,8 @@
 
 namespace testbed::chromium {
 
-/// The name that the machine below Wine has for a folder; the folder is made if it is missing.
+/// The name that the machine below Wine has for a folder, without a separator at its end; the folder is made if it is
+/// missing.
 ///
 /// @param error the reason if the result is empty; `ERROR_FILE_NOT_FOUND` where there is nothing below, as on Windows.
 std::string NativeFolder(const std::wstring& folder, DWORD& error);

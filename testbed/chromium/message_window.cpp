@@ -18,9 +18,10 @@ HINSTANCE ThisModule() {
     return module;
 }
 
-LPCWSTR RegisterWindowClass(const wchar_t* name, WNDPROC procedure) {
+LPCWSTR RegisterWindowClass(const wchar_t* name, WNDPROC procedure, UINT style) {
     WNDCLASSEXW definition{};
     definition.cbSize = sizeof(definition);
+    definition.style = style;
     definition.lpfnWndProc = procedure;
     definition.hInstance = ThisModule();
     definition.hCursor = LoadCursorW(nullptr, IDC_ARROW);
@@ -45,8 +46,8 @@ MessageWindow::~MessageWindow() {
     DestroyWindow(window_);
 }
 
-void MessageWindow::Wake() const {
-    PostMessageW(window_, kWake, 0, 0);
+bool MessageWindow::Wake() const {
+    return PostMessageW(window_, kWake, 0, 0) != FALSE;
 }
 
 LRESULT CALLBACK MessageWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {

@@ -7,8 +7,8 @@
 
 namespace testbed::chromium {
 
-/// Registers a window class of this module, once; @return its atom, as a name.
-LPCWSTR RegisterWindowClass(const wchar_t* name, WNDPROC procedure);
+/// Registers a window class of this module, once; @return its name.
+LPCWSTR RegisterWindowClass(const wchar_t* name, WNDPROC procedure, UINT style = 0);
 /// The module that this code is in.
 HINSTANCE ThisModule();
 
@@ -23,7 +23,8 @@ class MessageWindow {
     MessageWindow& operator=(const MessageWindow&) = delete;
 
     /// On any thread: `woken` will be called.
-    void Wake() const;
+    /// @return false if the thread's queue takes no more messages: then it will not.
+    bool Wake() const;
 
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;

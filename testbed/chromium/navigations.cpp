@@ -77,8 +77,14 @@ std::vector<NavigationOutcome> Navigations::Commit(const std::string& loader) {
 }
 
 std::vector<NavigationOutcome> Navigations::Load(const std::string& loader) {
-    return End(NavigationError::None,
-               [&](const Open& open) { return open.committed && open.loader == loader; });
+    if (std::ranges::find(open_, loader, &Open::loader) == open_.end()) {
+        return {};
+    }
+    // Whether anything has said so or not: what is loaded has been committed.
+    auto ended = Commit(loader);
+    const auto loaded = End(NavigationError::None, [&](const Open& open) { return open.loader == loader; });
+    ended.insert(ended.end(), loaded.begin(), loaded.end());
+    return ended;
 }
 
 std::vector<NavigationOutcome> Navigations::Fail(const std::string& loader, NavigationError error) {

@@ -67,10 +67,10 @@ Connection::Reply CookieReply(Page::CookiesRead read) {
 }
 
 std::optional<std::string> ResultOf(const Json* reply) {
-    if (reply == nullptr || reply->contains("exceptionDetails")) {
+    if (reply == nullptr) {
         return std::nullopt;
     }
-    return reply->at("result").value("value", Json()).dump();
+    return reply->contains("exceptionDetails") ? "null" : reply->at("result").value("value", Json()).dump();
 }
 
 } // namespace

@@ -40,7 +40,8 @@ struct Cookie {
 /// A callback is called at most once, from the message loop, never inside the call that it was given to. It is dropped
 /// uncalled when the page is closed or destroyed; it fails when Chromium goes. A callback may be empty.
 ///
-/// On a closed page, and once Chromium has gone, every function does nothing; callbacks given to a closed page are dropped.
+/// On a closed page every function does nothing, and callbacks are dropped. Once Chromium has gone `Navigate` and callbacks
+/// fail, and all else does nothing.
 class Page {
   public:
     using Done = std::function<void(bool success)>;
@@ -117,7 +118,8 @@ class Page {
     /// Runs a script in the main frame; a promise is waited for. While the request of a navigation waits, for the client or
     /// for the server, scripts wait too.
     ///
-    /// @param evaluated gets the result as JSON ("null" for what JSON has no word for), or nothing if the script throws.
+    /// @param evaluated gets the result as JSON ("null" for what JSON has no word for, and of a script that throws), or
+    ///        nothing if the document, its renderer or Chromium has gone before the script was through.
     void Evaluate(const std::string& expression, Evaluated evaluated);
 
   private:

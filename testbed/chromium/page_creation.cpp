@@ -1,5 +1,6 @@
 #include "testbed/chromium/page_creation.h"
 
+#include <exception>
 #include <utility>
 
 #include "testbed/chromium/page.h"
@@ -18,14 +19,22 @@ void PageCreation::Start(const std::shared_ptr<Browser>& browser, bool inPrivate
 
 void PageCreation::Send(const std::string& method, Json params, Step next) {
     if (const auto browser = browser_.lock()) {
-        browser->connection_->Send(method, std::move(params), {},
-                                   [self = shared_from_this(), next](const Json* result) {
-                                       if (result != nullptr) {
-                                           (self.get()->*next)(*result);
-                                       } else {
-                                           self->Fail();
-                                       }
-                                   });
+        browser->connection_->Send(
+            method, std::move(params), {},
+            [self = shared_from_this(), next](const Json* result) { self->GoOn(result, next); });
+    }
+}
+
+void PageCreation::GoOn(const Json* result, Step next) {
+    if (result == nullptr) {
+        Fail();
+        return;
+    }
+    try {
+        (this->*next)(*result);
+    } catch (const std::exception& problem) {
+        OutputDebugStringA(problem.what());
+        Fail();
     }
 }
 
@@ -60,25 +69,35 @@ void PageCreation::OnAttached(const Json& result) {
         browser->connection_,
         PageSession::Address{result.at("sessionId").get<std::string>(), targetId_, contextId_});
     session_->Prepare(browser->userAgent_, [self = shared_from_this()](const Json* prepared) {
-        if (prepared != nullptr) {
-            self->OnPrepared(*prepared);
-        } else {
-            self->Fail();
-        }
+        self->GoOn(prepared, &PageCreation::OnPrepared);
     });
 }
 
 void PageCreation::OnPrepared(const Json& /*result*/) {
     if (auto browser = browser_.lock()) {
         session_->SetClient(client_);
-        created_(std::unique_ptr<Page>(new Page(std::move(browser), std::move(session_))), ERROR_SUCCESS);
+        std::unique_ptr<Page> page(new Page(std::move(browser), std::move(session_)));
+        std::exchange(created_, nullptr)(std::move(page), ERROR_SUCCESS);
     }
 }
 
 void PageCreation::Fail() {
-    if (browser_.lock() != nullptr) {
-        created_(nullptr, ERROR_PROCESS_ABORTED);
+    const auto browser = browser_.lock();
+    if (browser == nullptr || created_ == nullptr) {
+        return;
     }
+    Connection& connection = *browser->connection_;
+    if (session_ != nullptr) {
+        session_->Close();
+    } else {
+        if (!targetId_.empty()) {
+            connection.Send("Target.closeTarget", {{"targetId", targetId_}}, {});
+        }
+        if (!contextId_.empty()) {
+            connection.Send("Target.disposeBrowserContext", {{"browserContextId", contextId_}}, {});
+        }
+    }
+    std::exchange(created_, nullptr)(nullptr, ERROR_PROCESS_ABORTED);
 }
 
 } // namespace testbed::chromium

@@ -24,6 +24,7 @@ class PageCreation : public std::enable_shared_from_this<PageCreation> {
 
     /// Goes on with `next`, or fails.
     void Send(const std::string& method, Json params, Step next);
+    void GoOn(const Json* result, Step next);
     void OnContext(const Json& result);
     void CreateTarget();
     void OnTarget(const Json& result);
@@ -33,8 +34,8 @@ class PageCreation : public std::enable_shared_from_this<PageCreation> {
 
     std::weak_ptr<Browser> browser_;
     PageClient& client_;
-    Browser::PageCreated created_;
-    std::string contextId_; // empty: that of the folder
+    Browser::PageCreated created_; // null once it has been called
+    std::string contextId_;        // empty: that of the folder
     std::string targetId_;
     std::shared_ptr<PageSession> session_;
 };

@@ -12,11 +12,8 @@ namespace testbed::chromium {
 namespace {
 
 constexpr const char* kNavigateFailedEvent = "Page.navigateFailed"; // our own
-constexpr const char* kBinding = "__testbedSend";
-
-std::string LiteralOf(const std::string& text) {
-    return Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
-}
+/// In the place of Chromium's name for a navigation that never came to have one.
+constexpr const char* kNoLoader = "without a request";
 
 /// Of these Chromium asks for leave to send a request; other navigations it only announces.
 bool HasRequest(std::string_view url) {
@@ -40,9 +37,6 @@ const std::map<std::string, PageSession::Handler, std::less<>> PageSession::kHan
     {"Page.lifecycleEvent", &PageSession::OnLifecycle},
     {"Page.navigatedWithinDocument", &PageSession::OnNavigatedWithinDocument},
     {"Runtime.bindingCalled", &PageSession::OnBindingCalled},
-    {"Runtime.executionContextCreated", &PageSession::OnContextCreated},
-    {"Runtime.executionContextDestroyed", &PageSession::OnContextDestroyed},
-    {"Runtime.executionContextsCleared", &PageSession::OnContextsCleared},
 };
 
 void PageSession::Prepare(const std::string& userAgent, const Connection::Reply& reply) {
@@ -99,13 +93,9 @@ void PageSession::SendSetting(const std::string& method, Json params, Connection
 }
 
 void PageSession::ChangeCookies(const std::string& method, Json params, Connection::Reply reply) {
-    ++cookieChanges_;
+    cookies_.BeginChange();
     Send(method, std::move(params), [this, reply = std::move(reply)](const Json* result) {
-        if (--cookieChanges_ == 0) {
-            for (const auto& read : std::exchange(cookieReads_, {})) {
-                read();
-            }
-        }
+        cookies_.EndChange();
         if (reply) {
             reply(result);
         }
@@ -113,11 +103,7 @@ void PageSession::ChangeCookies(const std::string& method, Json params, Connecti
 }
 
 void PageSession::ReadCookies(const std::string& method, const Json& params, const Connection::Reply& reply) {
-    if (cookieChanges_ == 0) {
-        Send(method, params, reply);
-    } else {
-        cookieReads_.emplace_back([this, method, params, reply] { Send(method, params, reply); });
-    }
+    cookies_.Read([this, method, params, reply] { Send(method, params, reply); });
 }
 
 void PageSession::Close() {
@@ -126,7 +112,7 @@ void PageSession::Close() {
     }
     client_ = nullptr;
     pictures_ = nullptr;
-    const auto dropped = std::exchange(cookieReads_, {});
+    cookies_.Clear();
     connection_->Detach(address_.session);
     connection_->Send("Target.closeTarget", {{"targetId", address_.target}}, {});
     if (!address_.context.empty()) {
@@ -136,7 +122,7 @@ void PageSession::Close() {
 
 void PageSession::OnEvent(const std::string& method, const Json& params) {
     const auto found = kHandlers.find(method);
-    if (found != kHandlers.end() && !closed_) {
+    if (!closed_ && !bridge_.OnEvent(method, params) && found != kHandlers.end()) {
         (this->*found->second)(params);
     }
 }
@@ -152,11 +138,11 @@ bool PageSession::IsMainFrame(const Json& params) const {
 // --- navigation
 
 void PageSession::Navigate(const std::string& url, const Headers& extraHeaders) {
-    if (closed_ || !connection_->Alive()) {
+    if (closed_) {
         return;
     }
     wanted_.push_back({url, extraHeaders});
-    if (settings_ == 0 || navigations_.Underway()) {
+    if (settings_ == 0 || navigations_.Underway() || withoutRenderer_) {
         SendWanted();
     }
 }
@@ -173,34 +159,41 @@ void PageSession::SendWanted() {
 void PageSession::Stop() {
     for (const Wanted& wanted : wanted_) {
         if (!wanted.sent) {
-            QueueFailure(wanted.url, "net::ERR_ABORTED");
+            QueueFailure(kNoLoader, wanted.url, NavigationError::Aborted);
         }
     }
     std::erase_if(wanted_, [](const Wanted& wanted) { return !wanted.sent; });
     Send("Page.stopLoading");
 }
 
-/// Comes when the headers of the answer are there, so the navigation, if there was one, is known by then.
+/// Comes when the headers of the answer are there, so the navigation, if there was one, is known by then. A failure usually
+/// has been reported by an event of its own before; to say it again does no harm.
 void PageSession::OnNavigateReply(std::list<Wanted>::iterator wanted, const Json* result) {
     const Wanted answered = std::move(*wanted);
     wanted_.erase(wanted);
-    if (!answered.started && (result == nullptr || result->contains("errorText"))) {
-        QueueFailure(answered.url, result == nullptr ? "" : result->at("errorText").get<std::string>());
+    if (result != nullptr && result->contains("errorText")) {
+        QueueFailure(answered.started ? result->value("loaderId", "") : kNoLoader, answered.url,
+                     ErrorFromText(result->at("errorText").get_ref<const std::string&>()));
+    } else if (result == nullptr && !answered.started) {
+        QueueFailure(kNoLoader, answered.url,
+                     connection_->Alive() ? NavigationError::Unknown : NavigationError::RendererCrashed);
     }
 }
 
 /// By way of the queue, since the client may be busy.
-void PageSession::QueueFailure(const std::string& url, const std::string& errorText) {
-    connection_->Queue(address_.session, kNavigateFailedEvent, {{"url", url}, {"errorText", errorText}});
+void PageSession::QueueFailure(const std::string& loader, const std::string& url, NavigationError error) {
+    connection_->Queue(address_.session, kNavigateFailedEvent,
+                       {{"loader", loader}, {"url", url}, {"error", error}});
 }
 
 void PageSession::OnNavigateFailed(const Json& params) {
-    const std::string loader = "without a request";
-    if (Ask(loader, params.at("url").get<std::string>(), false) && !closed_) {
-        Report(
-            navigations_.Fail(loader, ErrorFromText(params.at("errorText").get_ref<const std::string&>())));
-    } else if (!closed_) {
-        Report(navigations_.Fail(loader, NavigationError::Aborted));
+    const auto loader = params.at("loader").get<std::string>();
+    auto error = params.at("error").get<NavigationError>();
+    if (loader == kNoLoader && !Ask(loader, params.at("url").get<std::string>(), false)) {
+        error = NavigationError::Aborted;
+    }
+    if (!closed_) {
+        Report(navigations_.Fail(loader, error));
     }
 }
 
@@ -229,10 +222,20 @@ Headers PageSession::TakeExtraHeaders() {
     return {};
 }
 
+/// Whatever becomes of it here, the request does not stay paused.
 void PageSession::OnRequestPaused(const Json& params) {
+    try {
+        AnswerPaused(params);
+    } catch (const Json::exception&) {
+        Send("Fetch.continueRequest", {{"requestId", params.at("requestId")}});
+        throw;
+    }
+}
+
+void PageSession::AnswerPaused(const Json& params) {
     Request request = RequestFrom(params);
     request.mainDocument = request.kind == ResourceKind::Document && IsMainFrame(params);
-    if (request.mainDocument) {
+    if (request.mainDocument && client_ != nullptr) {
         if (!request.redirected) {
             Replace(request.headers, TakeExtraHeaders());
         }
@@ -245,12 +248,18 @@ void PageSession::OnRequestPaused(const Json& params) {
     if (interception_ && web && client_ != nullptr) {
         client_->OnRequest(request);
     }
-    Send("Fetch.continueRequest", ContinueParameters(params, request.headers));
+    Send("Fetch.continueRequest", ContinueParameters(params, request.headers),
+         [this, id = params.at("requestId")](const Json* result) {
+             // Headers that cannot be sent are refused, and the request is kept.
+             if (result == nullptr) {
+                 Send("Fetch.continueRequest", {{"requestId", id}});
+             }
+         });
 }
 
 void PageSession::OnStartedNavigating(const Json& params) {
     const auto url = params.at("url").get<std::string>();
-    if (!IsMainFrame(params) || params.at("navigationType") == "sameDocument") {
+    if (!IsMainFrame(params) || params.at("navigationType") == "sameDocument" || client_ == nullptr) {
         return;
     }
     if (HasRequest(url)) {
@@ -307,42 +316,21 @@ void PageSession::OnStoppedLoading(const Json& params) {
 // --- scripts
 
 void PageSession::InstallBridge(const std::string& shim) {
-    // The page is not to find the way out by itself.
-    const std::string name = kBinding;
-    const std::string source =
-        "(() => { const send = globalThis." + name + "; delete globalThis." + name + "; const receive = (" +
-        shim + "\n)((text) => send(String(text)));" +
-        "Object.defineProperty(globalThis, '__testbedReceive', { value: receive }); })()";
-    SendSetting("Runtime.addBinding", {{"name", name}});
-    SendSetting("Page.addScriptToEvaluateOnNewDocument", {{"source", source}});
-}
-
-void PageSession::OnContextCreated(const Json& params) {
-    const Json& context = params.at("context");
-    contexts_[context.at("id").get<int>()] = context.at("uniqueId").get<std::string>();
-}
-
-void PageSession::OnContextDestroyed(const Json& params) {
-    contexts_.erase(params.at("executionContextId").get<int>());
-}
-
-void PageSession::OnContextsCleared(const Json& /*params*/) {
-    contexts_.clear();
+    SendSetting("Runtime.addBinding", {{"name", ScriptBridge::kBinding}});
+    SendSetting("Page.addScriptToEvaluateOnNewDocument", {{"source", ScriptBridge::DocumentScript(shim)}});
 }
 
 void PageSession::OnBindingCalled(const Json& params) {
-    if (client_ == nullptr || params.at("name") != kBinding) {
+    const auto message = bridge_.MessageFrom(params);
+    if (client_ == nullptr || !message.has_value()) {
         return;
     }
-    const auto context = contexts_.find(params.at("executionContextId").get<int>());
-    const std::string name = context == contexts_.end() ? std::string() : context->second;
-    client_->OnBridgeMessage(
-        params.at("payload").get<std::string>(), [weak = weak_from_this(), name](const auto& text) {
-            if (const auto self = weak.lock(); self != nullptr && !name.empty()) {
-                self->Send("Runtime.evaluate", {{"expression", "__testbedReceive(" + LiteralOf(text) + ")"},
-                                                {"uniqueContextId", name}});
-            }
-        });
+    client_->OnBridgeMessage(message->text,
+                             [weak = weak_from_this(), context = message->context](const auto& text) {
+                                 if (const auto self = weak.lock(); self != nullptr && !context.empty()) {
+                                     self->Send("Runtime.evaluate", ScriptBridge::Delivery(context, text));
+                                 }
+                             });
 }
 
 void PageSession::OnDialog(const Json& params) {
@@ -382,11 +370,13 @@ void PageSession::OnPicture(const Json& params) {
 }
 
 void PageSession::OnRendererCrashed(const Json& /*params*/) {
+    withoutRenderer_ = true;
     connection_->FailReplies(address_.session);
     EndCrashed(Crash::Renderer);
 }
 
 void PageSession::OnRendererReplaced(const Json& /*params*/) {
+    withoutRenderer_ = false;
     if (pictures_ != nullptr) {
         pictures_->OnRendererReplaced();
     }

@@ -2,7 +2,6 @@
 // remembered between them.
 #pragma once
 
-#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -12,8 +11,10 @@
 #include <windows.h>
 
 #include "testbed/chromium/connection.h"
+#include "testbed/chromium/cookie_order.h"
 #include "testbed/chromium/navigations.h"
 #include "testbed/chromium/page_client.h"
+#include "testbed/chromium/script_bridge.h"
 
 namespace testbed::chromium {
 
@@ -51,10 +52,10 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     void Send(const std::string& method, Json params = Json::object(), Connection::Reply reply = {});
 
     /// A command that goes to the renderer and has to be done before a navigation starts, which would overtake it. But while
-    /// another navigation is underway the renderer is not asked anything.
+    /// another navigation is underway, and after a crash, the renderer is not asked anything.
     void SendSetting(const std::string& method, Json params, Connection::Reply reply = {});
 
-    /// Chromium works on cookies in several places at once: what is read is to show what was changed before.
+    /// What is read shows what was changed before.
     void ChangeCookies(const std::string& method, Json params, Connection::Reply reply = {});
     void ReadCookies(const std::string& method, const Json& params, const Connection::Reply& reply);
 
@@ -68,7 +69,6 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     void SetRequestInterception(bool enabled) { interception_ = enabled; }
     void SetScriptDialogsEnabled(bool enabled) { dialogs_ = enabled; }
     void SetDialogOwner(HWND owner) { dialogOwner_ = owner; }
-    HWND DialogOwner() const { return dialogOwner_; }
     /// Null for none.
     void SetPictureSink(PictureSink* sink) { pictures_ = sink; }
     /// @param width and the other one: in pixels, at least 1.
@@ -95,13 +95,13 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     void Report(const std::vector<NavigationOutcome>& outcomes);
     Headers TakeExtraHeaders();
     void SendWanted();
-    void QueueFailure(const std::string& url, const std::string& errorText);
+    void QueueFailure(const std::string& loader, const std::string& url, NavigationError error);
     void EndCrashed(Crash crash);
 
     void OnNavigateReply(std::list<Wanted>::iterator wanted, const Json* result);
     void OnNavigateFailed(const Json& params);
     void OnRequestPaused(const Json& params);
-    void LetGo(const Json& paused, const Headers& headers);
+    void AnswerPaused(const Json& params);
     void OnStartedNavigating(const Json& params);
     void OnResponse(const Json& params);
     void OnLoadingFailed(const Json& params);
@@ -109,9 +109,6 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     void OnNavigatedWithinDocument(const Json& params);
     void OnLifecycle(const Json& params);
     void OnStoppedLoading(const Json& params);
-    void OnContextCreated(const Json& params);
-    void OnContextDestroyed(const Json& params);
-    void OnContextsCleared(const Json& params);
     void OnBindingCalled(const Json& params);
     void OnDialog(const Json& params);
     void OnPicture(const Json& params);
@@ -130,10 +127,10 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     std::string url_ = "about:blank";
     Navigations navigations_;
     std::list<Wanted> wanted_;
-    int settings_ = 0;                               // that are not done yet
-    int cookieChanges_ = 0;                          // likewise
-    std::vector<std::function<void()>> cookieReads_; // that wait for those
-    std::map<int, std::string> contexts_;            // by number, which is used again, the name, which is not
+    int settings_ = 0;             // that are not done yet
+    bool withoutRenderer_ = false; // since a crash; settings wait for the next one
+    CookieOrder cookies_;
+    ScriptBridge bridge_;
 };
 
 } // namespace testbed::chromium

@@ -1,7 +1,11 @@
 #include "testbed/chromium/pipe.h"
 
 #include <array>
+#include <exception>
+#include <iterator>
 #include <utility>
+
+#include "testbed/chromium/exclusive_lock.h"
 
 namespace testbed::chromium {
 namespace {
@@ -22,15 +26,16 @@ Pipe::Pipe(Socket channel, Socket status, std::function<void()> arrived)
 }
 
 Pipe::~Pipe() {
-    shutdown(channel_.Get(), SD_BOTH);
+    Close();
     shutdown(status_.Get(), SD_BOTH);
     reader_.join();
 }
 
 bool Pipe::Take(std::deque<std::string>& messages) {
-    const std::scoped_lock lock(mutex_);
+    const ExclusiveLock locked(lock_);
     std::move(arrived_.begin(), arrived_.end(), std::back_inserter(messages));
     arrived_.clear();
+    woken_ = false;
     return !ended_;
 }
 
@@ -41,20 +46,29 @@ void Pipe::Send(std::string_view message) {
     while (!left.empty()) {
         const int count = send(channel_.Get(), left.data(), static_cast<int>(left.size()), 0);
         if (count <= 0) {
-            shutdown(channel_.Get(), SD_BOTH);
+            Close();
             return;
         }
         left.remove_prefix(static_cast<std::size_t>(count));
     }
 }
 
-void Pipe::WaitForEnd(DWORD milliseconds) const {
-    WaitForSingleObject(end_.get(), milliseconds);
+void Pipe::Close() const {
+    shutdown(channel_.Get(), SD_BOTH);
 }
 
-void Pipe::ReadAll() {
-    Read(channel_);
-    Read(status_);
+bool Pipe::WaitForEnd(DWORD milliseconds) const {
+    return WaitForSingleObject(end_.get(), milliseconds) == WAIT_OBJECT_0;
+}
+
+void Pipe::ReadAll() noexcept {
+    try {
+        Read(channel_);
+        Read(status_);
+    } catch (const std::exception&) {
+        OutputDebugStringA("No memory for what Chromium says; the channel is given up\n");
+        Close();
+    }
     DeliverEnd();
 }
 
@@ -77,25 +91,21 @@ void Pipe::Read(const Socket& socket) {
 }
 
 void Pipe::Deliver(std::string&& message) {
-    bool first = false;
-    {
-        const std::scoped_lock lock(mutex_);
-        first = arrived_.empty();
-        arrived_.push_back(std::move(message));
-    }
-    // One posted message for all that is waiting: a queue has a limit.
-    if (first) {
-        window_.Wake();
-    }
+    const ExclusiveLock locked(lock_);
+    arrived_.push_back(std::move(message));
+    WakeOnce();
 }
 
 void Pipe::DeliverEnd() {
-    {
-        const std::scoped_lock lock(mutex_);
-        ended_ = true;
-    }
     SetEvent(end_.get());
-    window_.Wake();
+    const ExclusiveLock locked(lock_);
+    ended_ = true;
+    WakeOnce();
+}
+
+/// One posted message for all that is waiting: a queue has a limit. If it has been reached, the next arrival tries again.
+void Pipe::WakeOnce() {
+    woken_ = woken_ || window_.Wake();
 }
 
 } // namespace testbed::chromium

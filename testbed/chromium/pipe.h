@@ -3,7 +3,6 @@
 
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -39,21 +38,27 @@ class Pipe {
     /// Has `arrived` called.
     void Wake() const { window_.Wake(); }
 
+    /// Closes the channel; what has arrived, and the status, can still be taken.
+    void Close() const;
+
     /// Waits until Chromium has ended.
-    void WaitForEnd(DWORD milliseconds) const;
+    /// @return false if it has not in that time.
+    bool WaitForEnd(DWORD milliseconds) const;
 
   private:
-    void ReadAll();
+    void ReadAll() noexcept;
     void Read(const Socket& socket);
     void Deliver(std::string&& message);
     void DeliverEnd();
+    void WakeOnce();
 
     Socket channel_;
     Socket status_;
     MessageWindow window_;
-    std::mutex mutex_; // guards the next two
+    SRWLOCK lock_ = SRWLOCK_INIT; // guards the next three
     std::deque<std::string> arrived_;
     bool ended_ = false;
+    bool woken_ = false;                                // and nothing taken since
     std::unique_ptr<void, decltype(&CloseHandle)> end_; // an event that is set when all has been read
     std::thread reader_;
 };

@@ -4,6 +4,8 @@
 #include <array>
 #include <string_view>
 
+#include "testbed/chromium/text.h"
+
 namespace testbed::chromium {
 namespace {
 
@@ -32,14 +34,6 @@ Headers HeadersFrom(const Json& object) {
         headers.push_back({name, value.get<std::string>()});
     }
     return headers;
-}
-
-char Lower(char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
-bool SameName(std::string_view one, std::string_view other) {
-    return std::ranges::equal(one, other, {}, &Lower, &Lower);
 }
 
 } // namespace

@@ -10,4 +10,7 @@ namespace testbed::chromium {
 std::string ToUtf8(std::wstring_view text);
 std::wstring ToUtf16(std::string_view text);
 
+/// Whether two names of headers are one: the case of letters of ASCII does not matter.
+bool SameName(std::string_view one, std::string_view other);
+
 } // namespace testbed::chromium

@@ -4,6 +4,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <windowsx.h>
 
@@ -47,6 +48,7 @@ constexpr std::array kMouseMessages = {
     MouseMessage{WM_RBUTTONDBLCLK, "mousePressed", "right", 2},
     MouseMessage{WM_RBUTTONUP, "mouseReleased", "right", 1},
     MouseMessage{WM_MBUTTONDOWN, "mousePressed", "middle", 1},
+    MouseMessage{WM_MBUTTONDBLCLK, "mousePressed", "middle", 2},
     MouseMessage{WM_MBUTTONUP, "mouseReleased", "middle", 1},
     MouseMessage{WM_MOUSEWHEEL, "mouseWheel", "none", 0},
     MouseMessage{WM_MOUSEHWHEEL, "mouseWheel", "none", 0},
@@ -135,7 +137,9 @@ std::optional<Json> KeyInput::Character(wchar_t unit) {
         highSurrogate_ = unit;
         return std::nullopt;
     }
-    std::wstring text = IS_LOW_SURROGATE(unit) ? std::wstring{highSurrogate_, unit} : std::wstring{unit};
+    const wchar_t high = std::exchange(highSurrogate_, L'\0');
+    const std::wstring text =
+        IS_LOW_SURROGATE(unit) && high != 0 ? std::wstring{high, unit} : std::wstring{unit};
     // Of control characters only that of Enter is a text; what the others do has been done by the key.
     if (unit < L' ' && unit != L'\r') {
         return std::nullopt;

@@ -41,8 +41,11 @@ void Draw(HDC context, const Picture& picture) {
 void FollowButton(HWND window, UINT message) {
     switch (message) {
     case WM_LBUTTONDOWN:
+    case WM_LBUTTONDBLCLK:
     case WM_RBUTTONDOWN:
+    case WM_RBUTTONDBLCLK:
     case WM_MBUTTONDOWN:
+    case WM_MBUTTONDBLCLK:
         SetCapture(window);
         SetFocus(window);
         break;
@@ -59,7 +62,7 @@ void FollowButton(HWND window, UINT message) {
 } // namespace
 
 ViewWindow::ViewWindow(std::shared_ptr<PageSession> session, HWND parent) : session_(std::move(session)) {
-    window_ = CreateWindowExW(0, RegisterWindowClass(L"TestbedChromiumView", &Procedure), nullptr,
+    window_ = CreateWindowExW(0, RegisterWindowClass(L"TestbedChromiumView", &Procedure, CS_DBLCLKS), nullptr,
                               WS_CHILD | WS_CLIPSIBLINGS | WS_TABSTOP, 0, 0, 0, 0, parent, nullptr,
                               ThisModule(), nullptr);
     if (window_ == nullptr) {
@@ -90,8 +93,9 @@ void ViewWindow::SetBounds(const RECT& bounds) {
 
 void ViewWindow::SetVisible(bool visible) {
     if (std::exchange(visible_, visible) != visible && window_ != nullptr) {
-        ShowWindow(window_, visible ? SW_SHOWNA : SW_HIDE);
         session_->SendPictures(visible);
+        // Whoever gets the focus of a hidden window may destroy this view.
+        ShowWindow(window_, visible ? SW_SHOWNA : SW_HIDE);
     }
 }
 

@@ -35,6 +35,18 @@ inline HRESULT ClosedError() {
     return HRESULT_FROM_WIN32(ERROR_INVALID_STATE);
 }
 
+/// Runs what must not throw; an exception becomes a failure.
+template <typename Body>
+HRESULT WithoutExceptions(Body&& body) noexcept {
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    } catch (...) {
+        return E_FAIL;
+    }
+}
+
 /// Implements IUnknown on top of `Base` for those of its interfaces that are listed, all of one chain. An object starts
 /// with one reference, for whoever made it (`MakeObject`).
 template <typename Base, typename... Interfaces>
@@ -65,19 +77,10 @@ class ComObject : public Base, private LiveObject {
     ComObject() = default;
     virtual ~ComObject() = default;
 
-    /// Runs the body of a method, on the thread that made the object only; an exception becomes a failure.
+    /// Runs the body of a method, on the thread that made the object only.
     template <typename Body>
     HRESULT Guarded(Body&& body) const noexcept {
-        if (GetCurrentThreadId() != thread_) {
-            return RPC_E_WRONG_THREAD;
-        }
-        try {
-            return body();
-        } catch (const std::bad_alloc&) {
-            return E_OUTOFMEMORY;
-        } catch (...) {
-            return E_FAIL;
-        }
+        return GetCurrentThreadId() == thread_ ? WithoutExceptions(body) : RPC_E_WRONG_THREAD;
     }
 
     /// The body of a method that hands out a value.

@@ -8,7 +8,7 @@
 #include "controller.h"
 #include "engine_error.h"
 #include "environment.h"
-#include "listener_window.h"
+#include "parent_watch.h"
 
 namespace webview2_runtime {
 namespace {
@@ -18,20 +18,14 @@ using testbed::chromium::Page;
 using testbed::chromium::PageView;
 using CompletedHandler = ICoreWebView2CreateCoreWebView2ControllerCompletedHandler;
 
-class ControllerCreation : private WindowListener {
+class ControllerCreation {
   public:
     ControllerCreation(Environment& environment, HWND parent, CompletedHandler* handler)
         : parent_(parent),
           environment_(&environment),
           handler_(handler),
           webView_(MakeObject<WebView>(&environment)),
-          watch_(MakeListenerWindow(parent, *this)) {}
-
-    ~ControllerCreation() override {
-        if (watch_ != nullptr) {
-            DestroyListenerWindow(watch_);
-        }
-    }
+          watch_(parent, [this] { Complete(E_ABORT, nullptr); }) {}
 
     WebView& View() const { return *webView_.Get(); }
 
@@ -56,11 +50,6 @@ class ControllerCreation : private WindowListener {
     }
 
   private:
-    void OnDestroyed() override {
-        watch_ = nullptr;
-        Complete(E_ABORT, nullptr);
-    }
-
     void Complete(HRESULT result, ICoreWebView2Controller* controller) noexcept {
         ComPtr<CompletedHandler> handler;
         handler.Swap(handler_);
@@ -73,7 +62,7 @@ class ControllerCreation : private WindowListener {
     ComPtr<Environment> environment_;
     ComPtr<CompletedHandler> handler_; // null once it was called
     ComPtr<WebView> webView_;
-    HWND watch_; // null once the parent is gone
+    ParentWatch watch_;
 };
 
 } // namespace

@@ -1,17 +1,15 @@
 // The cookies of a page's profile, through that page.
 #pragma once
 
-#include "com_object.h"
-#include "page_slot.h"
+#include "page_object.h"
 #include "webview2_not_implemented.h"
 
 namespace webview2_runtime {
 
-/// Outlives its web view without harm: then it answers `ClosedError`.
 class CookieManager
-    : public ComObject<webview2::NotImplemented<ICoreWebView2CookieManager>, ICoreWebView2CookieManager> {
+    : public PageObject<webview2::NotImplemented<ICoreWebView2CookieManager>, ICoreWebView2CookieManager> {
   public:
-    explicit CookieManager(SharedPage slot) : slot_(std::move(slot)) {}
+    explicit CookieManager(SharedPage slot) : PageObject(std::move(slot)) {}
 
     /// E_INVALIDARG for an empty name, or one with blanks around it.
     HRESULT STDMETHODCALLTYPE CreateCookie(LPCWSTR name, LPCWSTR value, LPCWSTR domain, LPCWSTR path,
@@ -29,15 +27,6 @@ class CookieManager
     HRESULT STDMETHODCALLTYPE DeleteCookiesWithDomainAndPath(LPCWSTR name, LPCWSTR domain,
                                                              LPCWSTR path) override;
     HRESULT STDMETHODCALLTYPE DeleteAllCookies() override;
-
-  private:
-    template <typename Body>
-    HRESULT WithPage(Body&& body) const noexcept {
-        return Guarded(
-            [&]() -> HRESULT { return slot_->page == nullptr ? ClosedError() : body(*slot_->page); });
-    }
-
-    SharedPage slot_;
 };
 
 } // namespace webview2_runtime

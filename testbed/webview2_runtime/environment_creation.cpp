@@ -11,9 +11,9 @@
 #include "environment.h"
 #include "environment_settings.h"
 #include "live_environments.h"
-#include "message_loop.h"
 #include "module.h"
 #include "runtime_version.h"
+#include "testbed/chromium/message_window.h"
 
 namespace webview2_runtime {
 namespace {
@@ -43,7 +43,8 @@ bool IsInstalledBrowser(const std::wstring& folder) {
 }
 
 void CompleteLater(ComPtr<CompletedHandler> handler, HRESULT result) {
-    PostToMessageLoop([handler = std::move(handler), result] { handler->Invoke(result, nullptr); });
+    testbed::chromium::CallLater(
+        [handler = std::move(handler), result] { handler->Invoke(result, nullptr); });
 }
 
 /// What an environment is made of, while Chromium starts.

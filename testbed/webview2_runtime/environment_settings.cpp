@@ -73,7 +73,9 @@ std::wstring UserDataFolder(PCWSTR given) {
     if (named.empty()) {
         return program.native() + L".WebView2";
     }
-    return (program.parent_path() / named).lexically_normal().native();
+    const std::filesystem::path folder = (program.parent_path() / named).lexically_normal();
+    const bool endsInSeparator = folder.has_relative_path() && !folder.has_filename();
+    return endsInSeparator ? folder.parent_path().native() : folder.native();
 }
 
 } // namespace webview2_runtime

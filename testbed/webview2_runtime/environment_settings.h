@@ -27,6 +27,7 @@ HRESULT ReadSettings(ICoreWebView2EnvironmentOptions* options, EnvironmentSettin
 
 /// The full path of the profile: WEBVIEW2_USER_DATA_FOLDER, if set and not empty; else `given`; else, where that is null or
 /// empty, the program's path with ".WebView2" behind it. A relative path is relative to the program's folder.
+/// Without a separator at its end, so that one folder has one name; a drive's root keeps its own.
 std::wstring UserDataFolder(PCWSTR given);
 
 } // namespace webview2_runtime

@@ -1,5 +1,4 @@
 // What the loader exports: the four functions of a WebView2 loader, and a look inside for tests.
-#include <new>
 #include <optional>
 #include <string>
 
@@ -19,20 +18,7 @@ STDAPI CompareBrowserVersions(PCWSTR version1, PCWSTR version2, int* result);
 /// How many of the runtime's objects are alive in this process.
 extern "C" DWORD STDAPICALLTYPE KeldaTestRuntimeObjectCount();
 
-namespace {
-
-template <typename Body>
-HRESULT WithoutExceptions(Body&& body) noexcept {
-    try {
-        return body();
-    } catch (const std::bad_alloc&) {
-        return E_OUTOFMEMORY;
-    } catch (...) {
-        return E_FAIL;
-    }
-}
-
-} // namespace
+using webview2_runtime::WithoutExceptions;
 
 STDAPI GetAvailableCoreWebView2BrowserVersionString(PCWSTR browserExecutableFolder, LPWSTR* versionInfo) {
     return WithoutExceptions([&]() -> HRESULT {

@@ -5,54 +5,41 @@
 
 namespace webview2_runtime {
 
+using testbed::chromium::Page;
+
 HRESULT Settings::Get(const bool& member, BOOL* value) const {
-    return Guarded([&]() -> HRESULT {
-        if (slot_->page == nullptr) {
-            return ClosedError();
-        }
-        if (value == nullptr) {
-            return E_POINTER;
-        }
-        *value = member ? TRUE : FALSE;
-        return S_OK;
-    });
+    return WithPage([&](Page&) { return GuardedGet(value, [&] { return member ? TRUE : FALSE; }); });
 }
 
 HRESULT Settings::Put(bool& member, BOOL value) const {
-    return Guarded([&]() -> HRESULT {
-        if (slot_->page == nullptr) {
-            return ClosedError();
-        }
+    return WithPage([&](Page&) {
         member = value != FALSE;
         return S_OK;
     });
 }
 
 HRESULT Settings::put_IsScriptEnabled(BOOL isScriptEnabled) {
-    const HRESULT result = Put(scriptEnabled_, isScriptEnabled);
-    return FAILED(result) ? result : Guarded([&] {
-        slot_->page->SetScriptEnabled(scriptEnabled_);
+    return WithPage([&](Page& page) {
+        scriptEnabled_ = isScriptEnabled != FALSE;
+        page.SetScriptEnabled(scriptEnabled_);
         return S_OK;
     });
 }
 
 HRESULT Settings::put_AreDefaultScriptDialogsEnabled(BOOL enabled) {
-    const HRESULT result = Put(scriptDialogsEnabled_, enabled);
-    return FAILED(result) ? result : Guarded([&] {
-        slot_->page->SetScriptDialogsEnabled(scriptDialogsEnabled_);
+    return WithPage([&](Page& page) {
+        scriptDialogsEnabled_ = enabled != FALSE;
+        page.SetScriptDialogsEnabled(scriptDialogsEnabled_);
         return S_OK;
     });
 }
 
 HRESULT Settings::get_UserAgent(LPWSTR* value) {
-    return Guarded([&] { return slot_->page == nullptr ? ClosedError() : CopyOut(userAgent_, value); });
+    return WithPage([&](Page&) { return CopyOut(userAgent_, value); });
 }
 
 HRESULT Settings::put_UserAgent(LPCWSTR value) {
-    return Guarded([&]() -> HRESULT {
-        if (slot_->page == nullptr) {
-            return ClosedError();
-        }
+    return WithPage([&](Page&) -> HRESULT {
         if (value == nullptr) {
             return E_POINTER;
         }

@@ -3,16 +3,15 @@
 
 #include <string>
 
-#include "com_object.h"
-#include "page_slot.h"
+#include "page_object.h"
 #include "webview2_not_implemented.h"
 
 namespace webview2_runtime {
 
-class Settings : public ComObject<webview2::NotImplemented<ICoreWebView2Settings3>, ICoreWebView2Settings,
-                                  ICoreWebView2Settings2, ICoreWebView2Settings3> {
+class Settings : public PageObject<webview2::NotImplemented<ICoreWebView2Settings3>, ICoreWebView2Settings,
+                                   ICoreWebView2Settings2, ICoreWebView2Settings3> {
   public:
-    explicit Settings(SharedPage slot) : slot_(std::move(slot)) {}
+    explicit Settings(SharedPage slot) : PageObject(std::move(slot)) {}
 
     HRESULT STDMETHODCALLTYPE get_IsScriptEnabled(BOOL* isScriptEnabled) override;
     HRESULT STDMETHODCALLTYPE put_IsScriptEnabled(BOOL isScriptEnabled) override;
@@ -41,7 +40,6 @@ class Settings : public ComObject<webview2::NotImplemented<ICoreWebView2Settings
     HRESULT Get(const bool& member, BOOL* value) const;
     HRESULT Put(bool& member, BOOL value) const;
 
-    SharedPage slot_;
     bool scriptEnabled_ = true;
     bool webMessageEnabled_ = true;
     bool scriptDialogsEnabled_ = true;

@@ -13,15 +13,15 @@ namespace webview2_runtime {
 using testbed::chromium::Page;
 
 WebView::WebView(ICoreWebView2Environment* environment)
-    : slot_(std::make_shared<PageSlot>()), environment_(environment) {}
+    : WebViewBase(std::make_shared<PageSlot>()), environment_(environment) {}
 
 WebView::~WebView() = default;
 
 void WebView::Open(std::unique_ptr<Page> page) {
-    settings_ = MakeObject<Settings>(slot_);
-    cookieManager_ = MakeObject<CookieManager>(slot_);
-    slot_->page = std::move(page);
-    slot_->page->InstallBridge(HostObjectShim());
+    settings_ = MakeObject<Settings>(Slot());
+    cookieManager_ = MakeObject<CookieManager>(Slot());
+    Slot()->page = std::move(page);
+    Slot()->page->InstallBridge(HostObjectShim());
 }
 
 void WebView::Close() {
@@ -30,7 +30,7 @@ void WebView::Close() {
     const Microsoft::WRL::ComPtr<WebView> self = this;
     Microsoft::WRL::ComPtr<ICoreWebView2Environment> environment;
     environment.Swap(environment_);
-    auto page = std::move(slot_->page);
+    auto page = std::move(Slot()->page);
     page.reset();
     filters_.Clear();
     hostObjects_.Clear();

@@ -3,10 +3,9 @@
 
 #include <string>
 
-#include "com_object.h"
 #include "event_handlers.h"
 #include "host_objects.h"
-#include "page_slot.h"
+#include "page_object.h"
 #include "request_filters.h"
 #include "testbed/chromium/page_client.h"
 #include "webview2_not_implemented.h"
@@ -14,10 +13,10 @@
 namespace webview2_runtime {
 
 using WebViewBase =
-    ComObject<webview2::NotImplemented<ICoreWebView2_15>, ICoreWebView2, ICoreWebView2_2, ICoreWebView2_3,
-              ICoreWebView2_4, ICoreWebView2_5, ICoreWebView2_6, ICoreWebView2_7, ICoreWebView2_8,
-              ICoreWebView2_9, ICoreWebView2_10, ICoreWebView2_11, ICoreWebView2_12, ICoreWebView2_13,
-              ICoreWebView2_14, ICoreWebView2_15>;
+    PageObject<webview2::NotImplemented<ICoreWebView2_15>, ICoreWebView2, ICoreWebView2_2, ICoreWebView2_3,
+               ICoreWebView2_4, ICoreWebView2_5, ICoreWebView2_6, ICoreWebView2_7, ICoreWebView2_8,
+               ICoreWebView2_9, ICoreWebView2_10, ICoreWebView2_11, ICoreWebView2_12, ICoreWebView2_13,
+               ICoreWebView2_14, ICoreWebView2_15>;
 
 /// Its controller closes it. From then on every call answers `ClosedError`, and the object holds nothing any more but itself.
 class WebView : public WebViewBase, private testbed::chromium::PageClient {
@@ -32,7 +31,6 @@ class WebView : public WebViewBase, private testbed::chromium::PageClient {
 
     /// May be called from inside an event. Handlers are released uncalled.
     void Close();
-    bool IsClosed() const { return slot_->page == nullptr; }
 
     // web_view.cpp
     HRESULT STDMETHODCALLTYPE get_Settings(ICoreWebView2Settings** settings) override;
@@ -100,12 +98,6 @@ class WebView : public WebViewBase, private testbed::chromium::PageClient {
                          std::function<void(const std::string& text)> reply) override;
     void OnCrashed(testbed::chromium::Crash crash) override;
 
-    /// Runs the body of a method with the page, while there is one.
-    template <typename Body>
-    HRESULT WithPage(Body&& body) const noexcept {
-        return Guarded([&]() -> HRESULT { return IsClosed() ? ClosedError() : body(*slot_->page); });
-    }
-
     template <typename Handler>
     HRESULT Add(EventHandlers<Handler>& handlers, Handler* handler, EventRegistrationToken* token) const {
         return WithPage([&](auto&) { return handlers.Add(handler, token); });
@@ -129,7 +121,6 @@ class WebView : public WebViewBase, private testbed::chromium::PageClient {
         });
     }
 
-    SharedPage slot_;
     Microsoft::WRL::ComPtr<ICoreWebView2Environment> environment_;
     Microsoft::WRL::ComPtr<ICoreWebView2Settings> settings_;
     Microsoft::WRL::ComPtr<ICoreWebView2CookieManager> cookieManager_;

@@ -62,11 +62,9 @@ HRESULT WebView::ExecuteScript(LPCWSTR javaScript, ICoreWebView2ExecuteScriptCom
         if (javaScript == nullptr) {
             return E_POINTER;
         }
-        // A script that throws completes as one that yields null.
-        page.Evaluate(ToUtf8(javaScript), [owner = ComPtr<ICoreWebView2ExecuteScriptCompletedHandler>(
-                                               handler)](const std::optional<std::string>& json) {
-            Complete(owner, std::optional(json.value_or("null")));
-        });
+        page.Evaluate(ToUtf8(javaScript),
+                      [owner = ComPtr<ICoreWebView2ExecuteScriptCompletedHandler>(handler)](
+                          const std::optional<std::string>& json) { Complete(owner, json); });
         return S_OK;
     });
 }

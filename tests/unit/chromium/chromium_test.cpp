@@ -1,62 +1,11 @@
 #include "tests/unit/chromium/chromium_test.h"
 
-#include <algorithm>
-#include <charconv>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
-#include "testbed/chromium/launch.h"
 #include "testbed/chromium/text.h"
+#include "tests/support/native_process.h"
 
 namespace chromium_test {
-namespace {
-
-constexpr ULONGLONG kMilliseconds = 15'000;
-/// What happens outside of the message loop is looked at that often.
-constexpr DWORD kLookMilliseconds = 10;
-
-void ServeMessages() {
-    MSG message{};
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-}
-
-/// The process table of the machine that Wine runs on.
-const std::filesystem::path kProcesses = L"\\\\?\\unix\\proc";
-
-std::string CommandLineOf(int process) {
-    std::ifstream file(kProcesses / std::to_string(process) / "cmdline", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-/// Starts a program of that machine; there is no way to wait for it.
-void RunNative(const std::wstring& program, std::wstring line) {
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    CreateProcessW((L"\\\\?\\unix" + program).c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                   nullptr, &startup, &process);
-}
-
-} // namespace
-
-bool PumpUntil(const std::function<bool()>& condition) {
-    const ULONGLONG deadline = GetTickCount64() + kMilliseconds;
-    for (;;) {
-        ServeMessages();
-        if (condition()) {
-            return true;
-        }
-        if (GetTickCount64() >= deadline) {
-            return false;
-        }
-        const HANDLE none = nullptr;
-        MsgWaitForMultipleObjectsEx(0, &none, kLookMilliseconds, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-    }
-}
 
 ProfileFolder::ProfileFolder(const std::wstring& extra) {
     static int count = 0;
@@ -68,40 +17,31 @@ ProfileFolder::ProfileFolder(const std::wstring& extra) {
 }
 
 ProfileFolder::~ProfileFolder() {
-    // Not by Windows' functions: what a killed Chromium leaves are links to nowhere, which those do not see.
-    DWORD error = ERROR_SUCCESS;
-    RunNative(L"/bin/rm", L"rm -rf \"" + ToUtf16(NativeFolder(top_, error)) + L"\"");
+    test_support::RemoveNatively(top_);
 }
 
 std::vector<int> ProfileFolder::Processes() const {
-    std::vector<int> found;
-    for (const auto& entry : std::filesystem::directory_iterator(kProcesses)) {
-        const std::string name = entry.path().filename().string();
-        int process = 0;
-        const auto parsed = std::from_chars(name.data(), name.data() + name.size(), process);
-        if (parsed.ec == std::errc{} && parsed.ptr == name.data() + name.size() &&
-            CommandLineOf(process).find(mark_) != std::string::npos) {
-            found.push_back(process);
-        }
-    }
-    return found;
+    return test_support::NativeProcesses(mark_);
 }
 
 int ProfileFolder::Chromium() const {
-    for (const int process : Processes()) {
-        const std::string line = CommandLineOf(process);
-        if (line.find("--user-data-dir=") != std::string::npos && line.find("--type=") == std::string::npos &&
-            line.find("Launcher") == std::string::npos) {
-            return process;
-        }
-    }
-    return 0;
+    return test_support::NativeChromium(mark_);
 }
 
 void ProfileFolder::KillChromium() const {
     const int process = Chromium();
     ASSERT_NE(process, 0);
-    RunNative(L"/usr/bin/perl", L"perl -e \"kill 'KILL', " + std::to_wstring(process) + L"\"");
+    test_support::KillNative(process);
+}
+
+void ProfileFolder::HoldChromium(int seconds) const {
+    const int process = Chromium();
+    ASSERT_NE(process, 0);
+    const std::wstring number = std::to_wstring(process);
+    test_support::RunNative(L"/usr/bin/perl", L"-e \"kill 'STOP', " + number + L"; sleep " +
+                                                  std::to_wstring(seconds) + L"; kill 'CONT', " + number +
+                                                  L"\"");
+    ASSERT_TRUE(PumpUntil([&] { return test_support::NativeState(process) == 'T'; }));
 }
 
 Site::Site()

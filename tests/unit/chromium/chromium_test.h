@@ -1,4 +1,4 @@
-// What the tests of the engine share: a profile folder, a message loop with a deadline, a client that remembers, a site.
+// What the tests of the engine share: a profile folder, a client that remembers, a site.
 #pragma once
 
 #include <functional>
@@ -14,14 +14,12 @@
 #include "testbed/chromium/page.h"
 #include "testbed/chromium/page_view.h"
 #include "tests/support/canned_server.h"
+#include "tests/support/message_pump.h"
 
 namespace chromium_test {
 
 using namespace testbed::chromium;
-
-/// Runs the message loop until the condition holds.
-/// @return false if it does not within fifteen seconds.
-bool PumpUntil(const std::function<bool()>& condition);
+using test_support::PumpUntil;
 
 /// A folder that is not there yet, below the folder for temporary files. Removed in the end.
 class ProfileFolder {
@@ -40,6 +38,8 @@ class ProfileFolder {
     int Chromium() const;
     /// Kills the browser's own process as a crash would.
     void KillChromium() const;
+    /// Stops that process; it goes on after so many seconds.
+    void HoldChromium(int seconds) const;
 
   private:
     std::wstring top_;

@@ -34,10 +34,10 @@ class Cookies : public ChromiumTest {
         return Read([&](auto read) { page_->GetAllCookies(std::move(read)); });
     }
     bool Set(const Cookie& cookie) {
-        std::optional<bool> taken;
-        page_->SetCookie(cookie, [&](bool success) { taken = success; });
-        EXPECT_TRUE(PumpUntil([&] { return taken.has_value(); }));
-        return taken.value_or(false);
+        const auto taken = std::make_shared<std::optional<bool>>();
+        page_->SetCookie(cookie, [taken](bool success) { *taken = success; });
+        EXPECT_TRUE(PumpUntil([&] { return taken->has_value(); }));
+        return taken->value_or(false);
     }
     static Cookie Loopback(const std::string& name) { return {name, "value", "127.0.0.1"}; }
 };

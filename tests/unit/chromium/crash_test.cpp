@@ -34,12 +34,22 @@ TEST_F(Crashes, OfChromiumFailWhatIsAskedForAfterwards) {
     folder_.KillChromium();
     ASSERT_TRUE(PumpUntil([&] { return !client_.crashes.empty(); }));
     EXPECT_EQ(Evaluate(*page_, "1"), "failed");
-    std::optional<bool> taken;
-    page_->SetCookie({"name", "value", "host.test"}, [&](bool success) { taken = success; });
-    EXPECT_TRUE(PumpUntil([&] { return taken.has_value(); }));
-    EXPECT_EQ(taken, false);
+    const auto taken = std::make_shared<std::optional<bool>>();
+    page_->SetCookie({"name", "value", "host.test"}, [taken](bool success) { *taken = success; });
+    EXPECT_TRUE(PumpUntil([&] { return taken->has_value(); }));
+    EXPECT_EQ(*taken, false);
     RecordingClient second;
     EXPECT_EQ(CreatePage(*browser_, second), nullptr);
+}
+
+TEST_F(Crashes, OfChromiumFailNavigationsThatAreAskedForAfterwards) {
+    folder_.KillChromium();
+    ASSERT_TRUE(PumpUntil([&] { return !client_.crashes.empty(); }));
+    const NavigationOutcome outcome = Visit(*page_, client_, site_.Url("/page"));
+    ASSERT_EQ(client_.starts.size(), 1U);
+    EXPECT_EQ(outcome.id, client_.starts[0].id);
+    EXPECT_EQ(outcome.error, NavigationError::RendererCrashed);
+    EXPECT_EQ(outcome.url, site_.Url("/page"));
 }
 
 TEST_F(Crashes, OfChromiumLeaveTheFolderToTheNextOne) {
@@ -66,6 +76,16 @@ TEST_F(Crashes, OfThePageAreReportedAndAreOverWithTheNextNavigation) {
     EXPECT_EQ(client_.starts.size(), client_.outcomes.size());
     EXPECT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
     EXPECT_EQ(Evaluate(*page_, "1"), "1");
+}
+
+TEST_F(Crashes, OfThePageDoNotKeepSettingsAndTheNextNavigationWaitingForEachOther) {
+    page_->Navigate("chrome://crash");
+    ASSERT_TRUE(PumpUntil([&] { return !client_.crashes.empty(); }));
+    page_->AddDocumentScript("window.added = 1", {});
+    EXPECT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
+    EXPECT_TRUE(PumpUntil([&] { return Evaluate(*page_, "1") == "1"; }));
+    EXPECT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
+    EXPECT_EQ(Evaluate(*page_, "window.added"), "1");
 }
 
 TEST_F(Crashes, MayDestroyEverythingInTheFailingCallback) {

@@ -76,6 +76,14 @@ TEST(Opening, SharesTheBrowserOfAFolder) {
     EXPECT_EQ(first.browser, second.browser);
 }
 
+TEST(Opening, SharesTheBrowserOfAFolderHoweverItsNameEnds) {
+    const ProfileFolder folder;
+    const Opening first = OpenBrowser(folder.Path() + L"\\");
+    const Opening second = OpenBrowser(folder.Path());
+    ASSERT_NE(first.browser, nullptr) << first.error;
+    EXPECT_EQ(first.browser, second.browser) << second.error;
+}
+
 TEST(Opening, SharesABrowserThatIsStillStarting) {
     const ProfileFolder folder;
     std::vector<std::shared_ptr<Browser>> browsers;
@@ -100,6 +108,17 @@ TEST(Opening, WorksAgainRightAfterTheLastRelease) {
         const Opening opening = OpenBrowser(folder.Path());
         ASSERT_NE(opening.browser, nullptr) << "round " << i << ", error " << opening.error;
     }
+}
+
+TEST(Opening, WaitsForAChromiumThatIsSlowToEnd) {
+    const ProfileFolder folder;
+    Opening opening = OpenBrowser(folder.Path());
+    ASSERT_NE(opening.browser, nullptr) << opening.error;
+    ASSERT_NO_FATAL_FAILURE(folder.HoldChromium(3));
+    opening.browser.reset();
+    EXPECT_EQ(folder.Chromium(), 0);
+    opening = OpenBrowser(folder.Path());
+    EXPECT_NE(opening.browser, nullptr) << opening.error;
 }
 
 TEST(Opening, LeavesNoProcessAndNoWindow) {

@@ -79,6 +79,15 @@ TEST_F(Requests, OfANavigationCarryItsHeadersOnceAndInPlaceOfOthers) {
     EXPECT_TRUE(client_.requests[1].redirected);
 }
 
+TEST_F(Requests, GoOutAsTheyWereIfTheirHeadersCannotBeSent) {
+    site_.Add("/framed", "<iframe src='/frame'></iframe>");
+    page_->SetRequestInterception(true);
+    client_.onRequest = [](Request& request) { request.headers.push_back({"X-Added", "two\r\nlines"}); };
+    EXPECT_TRUE(Visit(*page_, client_, site_.Url("/framed")).success);
+    ASSERT_EQ(site_.Requests("/frame").size(), 1U);
+    EXPECT_EQ(HeaderOf(site_.Requests("/frame")[0], "X-Added"), "");
+}
+
 TEST_F(Requests, DoNotSayThatNobodyIsLooking) {
     Visit(*page_, client_, site_.Url("/plain"));
     const auto received = site_.Requests("/plain");

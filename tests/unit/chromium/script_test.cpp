@@ -19,14 +19,15 @@ class Scripts : public ChromiumTest {
     }
 
     std::string AddScript(const std::string& source) {
-        std::string id;
-        page_->AddDocumentScript(source, [&](const auto& added) { id = added.value_or("failed"); });
-        EXPECT_TRUE(PumpUntil([&] { return !id.empty(); }));
-        return id;
+        const auto id = std::make_shared<std::string>();
+        page_->AddDocumentScript(source, [id](const auto& added) { *id = added.value_or("failed"); });
+        EXPECT_TRUE(PumpUntil([&] { return !id->empty(); }));
+        return *id;
     }
 
-    /// Answers the next message box of this thread with a button, and keeps its text.
-    void AnswerBox(WPARAM button) {
+    /// Answers the message boxes of a title with a button, and counts them.
+    void AnswerBoxes(const std::string& title, WPARAM button) {
+        boxTitle_ = std::wstring(title.begin(), title.end());
         button_ = button;
         current = this;
         timer_ =
@@ -34,11 +35,12 @@ class Scripts : public ChromiumTest {
     }
     void OnTimer() {
         const HWND box = FindWindowW(MAKEINTRESOURCEW(32770), boxTitle_.c_str());
-        if (box != nullptr) {
-            ++boxes_;
-            PostMessageW(box, WM_COMMAND, button_, 0);
-            boxTitle_ = boxes_ < 2 ? boxTitle_ : L"no more";
+        if (box == nullptr) {
+            return;
         }
+        boxes_ += box == std::exchange(answered_, box) ? 0 : 1;
+        // Again, if it has not gone since: a box may come up with its loop not yet running.
+        PostMessageW(box, WM_COMMAND, button_, 0);
     }
     ~Scripts() override { KillTimer(nullptr, timer_); }
 
@@ -46,6 +48,7 @@ class Scripts : public ChromiumTest {
     std::wstring boxTitle_;
     WPARAM button_ = 0;
     UINT_PTR timer_ = 0;
+    HWND answered_ = nullptr; // the last one
     int boxes_ = 0;
 };
 
@@ -81,11 +84,12 @@ TEST_F(Scripts, DoNotRunWhileSwitchedOff) {
     EXPECT_EQ(Evaluate(*page_, "String(window.seen)"), "\"undefined\"");
 }
 
-TEST_F(Scripts, EvaluatedGiveTheirResultOrFail) {
+TEST_F(Scripts, EvaluatedGiveTheirResult) {
     EXPECT_EQ(Evaluate(*page_, "[1, 'two', {three: null}]"), R"([1,"two",{"three":null}])");
     EXPECT_EQ(Evaluate(*page_, "undefined"), "null");
     EXPECT_EQ(Evaluate(*page_, "Promise.resolve('later')"), "\"later\"");
-    EXPECT_EQ(Evaluate(*page_, "throw 1"), "failed");
+    EXPECT_EQ(Evaluate(*page_, "throw 1"), "null");
+    EXPECT_EQ(Evaluate(*page_, "'a lone \\\\ \\ud800 here'"), "\"a lone \\\\ \xEF\xBF\xBD here\"");
 }
 
 TEST_F(Scripts, OfThePageTalkOverTheBridgeAndAreAnswered) {
@@ -116,10 +120,9 @@ TEST_F(Scripts, OfADocumentThatHasGoneGetNoAnswerNorDoesTheNext) {
 
 TEST_F(Scripts, OpenMessageBoxes) {
     const std::string url = site_.Url("/alerts");
-    boxTitle_ = std::wstring(url.begin(), url.end());
-    AnswerBox(IDOK);
+    AnswerBoxes(url, IDOK);
     EXPECT_TRUE(Visit(*page_, client_, url).success);
-    EXPECT_GE(boxes_, 2);
+    EXPECT_EQ(boxes_, 2);
     EXPECT_EQ(Evaluate(*page_, "window.answered"), "true");
 }
 

@@ -41,6 +41,16 @@ class View : public ChromiumTest {
         ReleaseDC(view_->Window(), context);
         return pixel;
     }
+    /// What another window on top would leave.
+    void Fill(COLORREF color) const {
+        RECT client{};
+        GetClientRect(view_->Window(), &client);
+        HDC context = GetDC(view_->Window());
+        HBRUSH brush = CreateSolidBrush(color);
+        FillRect(context, &client, brush);
+        DeleteObject(brush);
+        ReleaseDC(view_->Window(), context);
+    }
     void Press(WPARAM key) const {
         PostMessageW(view_->Window(), WM_KEYDOWN, key, 1);
         PostMessageW(view_->Window(), WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
@@ -57,6 +67,7 @@ class View : public ChromiumTest {
         return PumpUntil([&] { return Evaluate(*page_, expression) == value; });
     }
 
+    static inline std::function<void()> onParentFocus;
     HWND parent_;
     std::unique_ptr<PageView> view_;
 };
@@ -78,6 +89,8 @@ TEST_F(View, FollowsItsSize) {
 TEST_F(View, KeepsItsPictureWhenItIsPaintedAnew) {
     Show("/red");
     page_->Close();
+    Fill(kBlue);
+    ASSERT_EQ(Pixel(100, 50), kBlue);
     RedrawWindow(view_->Window(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
     EXPECT_EQ(Pixel(100, 50), kRed);
 }
@@ -125,6 +138,24 @@ TEST_F(View, ClicksAndTakesTheFocus) {
     EXPECT_EQ(GetFocus(), view_->Window());
 }
 
+TEST_F(View, PassesDoubleClicksOn) {
+    Show("/input");
+    // Without it Windows makes no such messages.
+    EXPECT_NE(GetClassLongPtrW(view_->Window(), GCL_STYLE) & CS_DBLCLKS, 0U);
+    Evaluate(*page_, "window.seen = []; document.ondblclick = () => seen.push('left');"
+                     "document.onmousedown = (e) => { if (e.detail === 2) seen.push('press ' + e.button) }");
+    Mouse(WM_LBUTTONDOWN, MK_LBUTTON, 20, 20);
+    Mouse(WM_LBUTTONUP, 0, 20, 20);
+    Mouse(WM_LBUTTONDBLCLK, MK_LBUTTON, 20, 20);
+    ASSERT_TRUE(PumpUntil([&] { return GetCapture() == view_->Window(); }));
+    Mouse(WM_LBUTTONUP, 0, 20, 20);
+    Mouse(WM_MBUTTONDOWN, MK_MBUTTON, 60, 70);
+    Mouse(WM_MBUTTONUP, 0, 60, 70);
+    Mouse(WM_MBUTTONDBLCLK, MK_MBUTTON, 60, 70);
+    Mouse(WM_MBUTTONUP, 0, 60, 70);
+    EXPECT_TRUE(Comes("window.seen", R"(["press 0","left","press 1"])"));
+}
+
 TEST_F(View, ScrollsByTheWheel) {
     Show("/scroll");
     POINT point = {50, 50};
@@ -139,6 +170,28 @@ TEST_F(View, PaintsAgainAfterACrashOfThePage) {
     ASSERT_TRUE(PumpUntil([&] { return !client_.crashes.empty(); }));
     ASSERT_TRUE(Visit(*page_, client_, site_.Url("/corner")).success);
     EXPECT_TRUE(PumpUntil([&] { return Pixel(195, 95) == kBlue; }));
+}
+
+TEST_F(View, MayBeDestroyedByTheWindowThatGetsItsFocus) {
+    Show("/red");
+    view_->Focus();
+    ASSERT_EQ(GetFocus(), view_->Window());
+    onParentFocus = [&] {
+        view_.reset();
+        page_.reset();
+        browser_.reset();
+    };
+    SetWindowLongPtrW(
+        parent_, GWLP_WNDPROC,
+        reinterpret_cast<LONG_PTR>(+[](HWND window, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
+            if (message == WM_SETFOCUS && onParentFocus) {
+                std::exchange(onParentFocus, nullptr)();
+            }
+            return DefWindowProcW(window, message, wParam, lParam);
+        }));
+    view_->SetVisible(false);
+    EXPECT_EQ(view_, nullptr);
+    EXPECT_EQ(browser_, nullptr);
 }
 
 TEST_F(View, OutlivesItsParentAndItsPage) {

@@ -132,48 +132,46 @@ TEST_F(RuntimeTest, AControllerNeedsAWindowAndAHandler) {
 TEST_F(RuntimeTest, AParentDestroyedDuringCreationCompletesItWithAbortAtOnce) {
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
-    int calls = 0;
-    HRESULT result = S_OK;
+    const auto results = std::make_shared<std::vector<HRESULT>>();
     ASSERT_EQ(environment->CreateCoreWebView2Controller(
                   parent, MakeHandler<ICoreWebView2CreateCoreWebView2ControllerCompletedHandler>(
-                              [&](HRESULT code, ICoreWebView2Controller* created) {
-                                  ++calls;
-                                  result = code;
+                              [results](HRESULT result, ICoreWebView2Controller* created) {
+                                  results->push_back(result);
                                   EXPECT_EQ(created, nullptr);
                               })
                               .Get()),
               S_OK);
     DestroyWindow(parent);
-    EXPECT_EQ(calls, 1);
-    EXPECT_EQ(result, E_ABORT);
+    EXPECT_EQ(*results, std::vector<HRESULT>{E_ABORT});
     environment.Reset();
     EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 0; }));
-    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(results->size(), 1U);
 }
 
 TEST_F(RuntimeTest, AControllerCompletesAfterItsEnvironmentWasReleased) {
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
-    ASSERT_EQ(environment->CreateCoreWebView2Controller(
-                  parent, MakeHandler<ICoreWebView2CreateCoreWebView2ControllerCompletedHandler>(
-                              [&](HRESULT, ICoreWebView2Controller* created) { controller = created; })
-                              .Get()),
-              S_OK);
-    environment.Reset();
-    ASSERT_TRUE(PumpUntil([&] { return controller != nullptr; }));
+    controller =
+        Completed<ICoreWebView2CreateCoreWebView2ControllerCompletedHandler, ComPtr<ICoreWebView2Controller>>(
+            [&](auto* handler) {
+                const HRESULT started = environment->CreateCoreWebView2Controller(parent, handler);
+                environment.Reset();
+                return started;
+            },
+            [](HRESULT, ICoreWebView2Controller* created) { return created; })
+            .value_or(nullptr);
+    ASSERT_TRUE(controller);
     EXPECT_EQ(controller->Close(), S_OK);
 }
 
 TEST_F(RuntimeTest, AControllerThatNobodyKeepsClosesItself) {
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
-    bool called = false;
-    ASSERT_EQ(environment->CreateCoreWebView2Controller(
-                  parent, MakeHandler<ICoreWebView2CreateCoreWebView2ControllerCompletedHandler>(
-                              [&](HRESULT, ICoreWebView2Controller*) { called = true; })
-                              .Get()),
-              S_OK);
-    ASSERT_TRUE(PumpUntil([&] { return called && Runtime().objectCount() == 1; }));
+    const auto result = Completed<ICoreWebView2CreateCoreWebView2ControllerCompletedHandler, HRESULT>(
+        [&](auto* handler) { return environment->CreateCoreWebView2Controller(parent, handler); },
+        [](HRESULT code, ICoreWebView2Controller*) { return code; });
+    EXPECT_EQ(result, S_OK);
+    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 1; }));
     EXPECT_EQ(ChildOf(parent), nullptr);
 }
 

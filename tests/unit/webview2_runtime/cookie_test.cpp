@@ -49,6 +49,34 @@ CookieValues Read(ICoreWebView2Cookie* cookie) {
     return values;
 }
 
+std::vector<CookieValues> Read(ICoreWebView2CookieList* list) {
+    std::vector<CookieValues> cookies;
+    UINT32 count = 0;
+    EXPECT_EQ(list->get_Count(&count), S_OK);
+    ComPtr<ICoreWebView2Cookie> cookie;
+    for (UINT32 i = 0; i < count && SUCCEEDED(list->GetValueAtIndex(i, &cookie)); ++i) {
+        cookies.push_back(Read(cookie.Get()));
+        cookie.Reset();
+    }
+    EXPECT_EQ(cookies.size(), count);
+    EXPECT_EQ(list->GetValueAtIndex(count, &cookie), E_INVALIDARG);
+    return cookies;
+}
+
+struct ListAnswer {
+    HRESULT result = E_PENDING;
+    ComPtr<ICoreWebView2CookieList> list;
+};
+
+ListAnswer List(LPCWSTR url, ICoreWebView2CookieManager* source) {
+    return Completed<ICoreWebView2GetCookiesCompletedHandler, ListAnswer>(
+               [&](auto* handler) { return source->GetCookies(url, handler); },
+               [](HRESULT result, ICoreWebView2CookieList* list) {
+                   return ListAnswer{result, list};
+               })
+        .value_or(ListAnswer());
+}
+
 class CookieTest : public WebViewTest {
   protected:
     void SetUp() override {
@@ -62,26 +90,9 @@ class CookieTest : public WebViewTest {
     }
 
     std::vector<CookieValues> Cookies(const std::wstring& url, ICoreWebView2CookieManager* source) {
-        std::vector<CookieValues> cookies;
-        bool called = false;
-        const auto handler = MakeHandler<ICoreWebView2GetCookiesCompletedHandler>(
-            [&](HRESULT result, ICoreWebView2CookieList* list) {
-                called = true;
-                ASSERT_EQ(result, S_OK);
-                UINT32 count = 0;
-                ASSERT_EQ(list->get_Count(&count), S_OK);
-                for (UINT32 i = 0; i < count; ++i) {
-                    ComPtr<ICoreWebView2Cookie> cookie;
-                    ASSERT_EQ(list->GetValueAtIndex(i, &cookie), S_OK);
-                    cookies.push_back(Read(cookie.Get()));
-                }
-                ComPtr<ICoreWebView2Cookie> beyond;
-                EXPECT_EQ(list->GetValueAtIndex(count, &beyond), E_INVALIDARG);
-            });
-        EXPECT_EQ(source->GetCookies(url.c_str(), handler.Get()), S_OK);
-        EXPECT_FALSE(called) << "completed inside the call";
-        EXPECT_TRUE(PumpUntil([&] { return called; }));
-        return cookies;
+        const ListAnswer answer = List(url.c_str(), source);
+        EXPECT_EQ(answer.result, S_OK);
+        return answer.list ? Read(answer.list.Get()) : std::vector<CookieValues>();
     }
 
     std::wstring Names(const std::wstring& url) {
@@ -240,36 +251,20 @@ TEST_F(CookieTest, AnInPrivateViewHasCookiesOfItsOwn) {
 }
 
 TEST_F(CookieTest, AListIsASnapshot) {
-    ComPtr<ICoreWebView2CookieList> kept;
     ASSERT_EQ(manager->AddOrUpdateCookie(Make(L"name", L"before").Get()), S_OK);
-    ASSERT_EQ(manager->GetCookies(nullptr, MakeHandler<ICoreWebView2GetCookiesCompletedHandler>(
-                                               [&](HRESULT, ICoreWebView2CookieList* list) { kept = list; })
-                                               .Get()),
-              S_OK);
-    ASSERT_TRUE(PumpUntil([&] { return kept != nullptr; }));
+    const auto kept = List(nullptr, manager.Get()).list;
+    ASSERT_TRUE(kept);
     EXPECT_EQ(controller->Close(), S_OK);
-    ComPtr<ICoreWebView2Cookie> cookie;
-    ASSERT_EQ(kept->GetValueAtIndex(0, &cookie), S_OK);
-    EXPECT_EQ(Read(cookie.Get()).value, L"before");
+    const auto cookies = Read(kept.Get());
+    ASSERT_EQ(cookies.size(), 1U);
+    EXPECT_EQ(cookies[0].value, L"before");
 }
 
 TEST_F(CookieTest, AFailureIsReportedWhenChromiumIsGone) {
-    for (const int process : ChromiumProcesses(folder)) {
-        KillNative(process);
-    }
-    HRESULT answer = S_OK;
-    bool called = false;
-    ASSERT_EQ(
-        manager->GetCookies(
-            nullptr, MakeHandler<ICoreWebView2GetCookiesCompletedHandler>([&](HRESULT result,
-                                                                              ICoreWebView2CookieList* list) {
-                         answer = result;
-                         called = true;
-                         EXPECT_EQ(list, nullptr);
-                     }).Get()),
-        S_OK);
-    ASSERT_TRUE(PumpUntil([&] { return called; }));
-    EXPECT_EQ(answer, E_FAIL);
+    KillChromium();
+    const ListAnswer answer = List(L"", manager.Get());
+    EXPECT_EQ(answer.result, E_FAIL);
+    EXPECT_FALSE(answer.list);
 }
 
 } // namespace

@@ -127,6 +127,20 @@ TEST_F(EnvironmentTest, ASecondOneOnTheFolderHasToAgreeOnTheOptions) {
     EXPECT_TRUE(agreeing.environment);
 }
 
+TEST_F(EnvironmentTest, AFolderIsTheSameWithASeparatorAtItsEnd) {
+    FakeOptions german(L"de");
+    FakeOptions french(L"fr");
+    environment = MakeEnvironment(folder, &german).environment;
+    ASSERT_TRUE(environment);
+    for (const wchar_t* separator : {L"\\", L"/"}) {
+        EXPECT_EQ(MakeEnvironment(folder + separator, &french).result,
+                  HRESULT_FROM_WIN32(ERROR_INVALID_STATE));
+        const auto agreeing = MakeEnvironment(folder + separator, &german);
+        ASSERT_TRUE(agreeing.environment) << std::hex << agreeing.result;
+        EXPECT_EQ(FolderOf(agreeing.environment), folder);
+    }
+}
+
 TEST_F(EnvironmentTest, AFolderThatIsInUseElsewhereFailsTheCompletion) {
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
@@ -143,11 +157,12 @@ TEST_F(EnvironmentTest, WithoutAFolderTheProfileIsBesideTheProgram) {
     std::wstring program(MAX_PATH, L'\0');
     program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
     folder = program + L".WebView2";
-    ASSERT_EQ(Runtime().create(MakeHandler<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler>(
-                                   [&](HRESULT, ICoreWebView2Environment* created) { environment = created; })
-                                   .Get()),
-              S_OK);
-    ASSERT_TRUE(PumpUntil([&] { return environment != nullptr; }));
+    environment = Completed<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler,
+                            ComPtr<ICoreWebView2Environment>>(
+                      [](auto* handler) { return Runtime().create(handler); },
+                      [](HRESULT, ICoreWebView2Environment* created) { return created; })
+                      .value_or(nullptr);
+    ASSERT_TRUE(environment);
     EXPECT_EQ(FolderOf(environment), folder);
     EXPECT_NE(GetFileAttributesW(folder.c_str()), INVALID_FILE_ATTRIBUTES);
 }
@@ -160,26 +175,16 @@ TEST_F(EnvironmentTest, TheStandardVariableGoesBeforeTheGivenFolder) {
 }
 
 TEST_F(EnvironmentTest, ACompletionThatNobodyWaitsForAnyMoreEndsChromium) {
-    int calls = 0;
-    ASSERT_EQ(
-        Runtime().createWithOptions(nullptr, folder.c_str(), nullptr,
-                                    MakeHandler<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler>(
-                                        [&](HRESULT result, ICoreWebView2Environment*) {
-                                            EXPECT_EQ(result, S_OK);
-                                            ++calls;
-                                        })
-                                        .Get()),
-        S_OK);
-    EXPECT_TRUE(PumpUntil([&] { return calls == 1; }));
+    const auto result = Completed<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler, HRESULT>(
+        [&](auto* handler) { return Runtime().createWithOptions(nullptr, folder.c_str(), nullptr, handler); },
+        [](HRESULT code, ICoreWebView2Environment*) { return code; });
+    EXPECT_EQ(result, S_OK);
 }
 
 TEST_F(EnvironmentTest, ADeadChromiumFailsTheNextControllerAndLetsTheFolderGo) {
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
-    for (const int process : ChromiumProcesses(folder)) {
-        KillNative(process);
-    }
-    ASSERT_TRUE(PumpUntil([&] { return ChromiumProcesses(folder).empty(); }));
+    KillChromium();
     const auto made = MakeController();
     EXPECT_EQ(made.result, E_FAIL);
     EXPECT_FALSE(made.controller);

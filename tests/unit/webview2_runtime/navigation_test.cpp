@@ -1,5 +1,6 @@
 // Navigations on a real Chromium: what is reported, what can be cancelled, and in which order handlers are called.
 #include <algorithm>
+#include <memory>
 
 #include "tests/unit/webview2_runtime/runtime_test.h"
 
@@ -43,6 +44,15 @@ std::size_t Count(const CannedServer& server, const std::string& path) {
 
 class NavigationTest : public WebViewTest {
   protected:
+    /// @return what it completes with, and `E_PENDING` before; shared with the handler, which may outlive the deadline.
+    std::shared_ptr<HRESULT> StartScript(const wchar_t* script) {
+        auto answer = std::make_shared<HRESULT>(E_PENDING);
+        const auto handler = MakeHandler<ICoreWebView2ExecuteScriptCompletedHandler>(
+            [answer](HRESULT result, LPCWSTR /*json*/) { *answer = result; });
+        EXPECT_EQ(view->ExecuteScript(script, handler.Get()), S_OK);
+        return answer;
+    }
+
     CannedServer server{Site};
 };
 
@@ -169,6 +179,19 @@ TEST_F(NavigationTest, ReloadLoadsThePageAgain) {
     EXPECT_EQ(Count(server, "/page"), 2U);
 }
 
+TEST_F(NavigationTest, NavigatingToAFragmentRaisesNoEvent) {
+    ASSERT_TRUE(Load(server.Url(L"/page")));
+    int starts = 0;
+    OnStarting([&](auto*) { ++starts; });
+    ASSERT_EQ(view->Navigate(server.Url(L"/page#part").c_str()), S_OK);
+    EXPECT_TRUE(PumpUntil([&] { return Run(L"location.hash") == L"\"#part\""; }));
+    const auto next = Load(server.Url(L"/other"));
+    ASSERT_TRUE(next);
+    EXPECT_EQ(starts, 1);
+    EXPECT_TRUE(next->succeeded);
+    EXPECT_EQ(TextFrom([&](LPWSTR* text) { return view->get_Source(text); }), server.Url(L"/other"));
+}
+
 TEST_F(NavigationTest, WhatIsNoAbsoluteUriIsRefusedAtOnce) {
     for (const wchar_t* uri : {L"", L"page", L"/page", L"1http://host/", L"http:"}) {
         EXPECT_EQ(view->Navigate(uri), E_INVALIDARG) << uri;
@@ -252,13 +275,10 @@ TEST_F(NavigationTest, EveryEventOfTheLibraryTakesHandlersWithTokensOfTheirOwn) 
 }
 
 TEST_F(NavigationTest, ARendererThatDiesFailsItsScriptAndTheNextNavigationWorks) {
-    std::wstring answer;
-    const auto handler = MakeHandler<ICoreWebView2ExecuteScriptCompletedHandler>(
-        [&](HRESULT, LPCWSTR json) { answer = json; });
-    ASSERT_EQ(view->ExecuteScript(L"new Promise(() => {})", handler.Get()), S_OK);
+    const auto answer = StartScript(L"new Promise(() => {})");
     ASSERT_EQ(view->Navigate(L"chrome://crash/"), S_OK);
-    ASSERT_TRUE(PumpUntil([&] { return !answer.empty(); }));
-    EXPECT_EQ(answer, L"null");
+    ASSERT_TRUE(PumpUntil([&] { return *answer != E_PENDING; }));
+    EXPECT_EQ(*answer, E_FAIL);
     const auto next = Load(server.Url(L"/page"));
     ASSERT_TRUE(next);
     EXPECT_TRUE(next->succeeded);
@@ -268,12 +288,16 @@ TEST_F(NavigationTest, AnOpenNavigationFailsWhenChromiumDies) {
     const auto completion = CompletionAfter([&] {
         ASSERT_EQ(view->Navigate(server.Url(L"/never").c_str()), S_OK);
         ASSERT_TRUE(PumpUntil([&] { return Count(server, "/never") == 1; }));
-        for (const int process : ChromiumProcesses(folder)) {
-            KillNative(process);
-        }
+        KillChromium();
     });
     ASSERT_TRUE(completion);
     EXPECT_FALSE(completion->succeeded);
+    const auto next = Load(server.Url(L"/page"));
+    ASSERT_TRUE(next) << "what is asked for afterwards is not completed";
+    EXPECT_FALSE(next->succeeded);
+    const auto answer = StartScript(L"1");
+    EXPECT_TRUE(PumpUntil([&] { return *answer != E_PENDING; }));
+    EXPECT_EQ(*answer, E_FAIL);
     EXPECT_EQ(controller->Close(), S_OK);
 }
 

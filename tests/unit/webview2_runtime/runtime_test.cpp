@@ -1,10 +1,7 @@
 // A creation that never completes fails its test at the deadline.
 #include "tests/unit/webview2_runtime/runtime_test.h"
 
-#include <charconv>
-#include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <utility>
 
 #include <objbase.h>
@@ -25,37 +22,14 @@ std::wstring UniqueFolder() {
     return folder.native();
 }
 
-/// Empty for a process that has gone meanwhile.
-std::string CommandLineOf(const std::filesystem::path& process) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> file(_wfopen((process / L"cmdline").c_str(), L"rb"), &fclose);
-    std::string text(file ? 65536 : 0, '\0');
-    text.resize(file ? fread(text.data(), 1, text.size(), file.get()) : 0);
-    return text;
-}
-
-/// Starts a program of the machine below Wine, and does not wait for it.
-void StartNative(const std::wstring& name, const std::wstring& arguments) {
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION ignored{};
-    const std::wstring program = L"\\\\?\\unix\\usr\\bin\\" + name;
-    std::wstring line = name + L" " + arguments;
-    EXPECT_NE(CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                             &startup, &ignored),
-              FALSE);
-}
-
-/// Natively: a Chromium that was killed leaves links that removing through Wine does not come to an end with.
-void RemoveProfile(const std::wstring& folder) {
-    using GetNativeName = char*(CDECL*)(LPCWSTR name);
-    GetNativeName getNativeName = nullptr;
-    LookUp(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name", getNativeName);
-    char* name = getNativeName(folder.c_str());
-    if (name != nullptr) {
-        const std::string native = name;
-        HeapFree(GetProcessHeap(), 0, name);
-        StartNative(L"rm", L"-rf \"" + std::wstring(native.begin(), native.end()) + L"\"");
-    }
+/// Adds a handler of an event, made of a function that gets the event's arguments.
+template <typename Handler, typename Add, typename Function>
+EventRegistrationToken AddHandler(ICoreWebView2_15* view, Add add, Function function) {
+    EventRegistrationToken token{};
+    const auto handler = MakeHandler<Handler>(
+        [function = std::move(function)](ICoreWebView2*, auto* arguments) { function(arguments); });
+    EXPECT_EQ((view->*add)(handler.Get(), &token), S_OK);
+    return token;
 }
 
 } // namespace
@@ -75,31 +49,6 @@ const Loader& Runtime() {
     return loader;
 }
 
-void PumpWaiting() {
-    MSG message{};
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-}
-
-bool PumpUntil(const std::function<bool()>& condition) {
-    const ULONGLONG end = GetTickCount64() + kDeadline;
-    for (;;) {
-        PumpWaiting();
-        if (condition()) {
-            return true;
-        }
-        const ULONGLONG now = GetTickCount64();
-        if (now >= end) {
-            return false;
-        }
-        // Short, as the condition may be about something that posts no message here.
-        constexpr DWORD kLongestWait = 20;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, kLongestWait, QS_ALLINPUT);
-    }
-}
-
 std::wstring TextFrom(const std::function<HRESULT(LPWSTR*)>& getter) {
     LPWSTR text = nullptr;
     const HRESULT result = getter(&text);
@@ -110,28 +59,6 @@ std::wstring TextFrom(const std::function<HRESULT(LPWSTR*)>& getter) {
     std::wstring copy = text;
     CoTaskMemFree(text);
     return copy;
-}
-
-std::vector<int> ChromiumProcesses(const std::wstring& folder) {
-    const std::string name = std::filesystem::path(folder).filename().string();
-    std::vector<int> found;
-    for (const auto& entry : std::filesystem::directory_iterator(L"\\\\?\\unix\\proc")) {
-        const std::string text = entry.path().filename().string();
-        int process = 0;
-        if (std::from_chars(text.data(), text.data() + text.size(), process).ec != std::errc()) {
-            continue;
-        }
-        const std::string command = CommandLineOf(entry.path());
-        if (command.find("--user-data-dir=") != std::string::npos &&
-            command.find(name) != std::string::npos) {
-            found.push_back(process);
-        }
-    }
-    return found;
-}
-
-void KillNative(int process) {
-    StartNative(L"perl", L"-e \"kill 9, " + std::to_wstring(process) + L"\"");
 }
 
 void RuntimeTest::SetUp() {
@@ -146,12 +73,23 @@ void RuntimeTest::TearDown() {
     ReleaseAll();
     EXPECT_EQ(Runtime().objectCount(), 0U);
     EXPECT_EQ(liveHandlers, 0);
-    EXPECT_TRUE(PumpUntil([&] { return ChromiumProcesses(folder).empty(); }));
+    EXPECT_TRUE(PumpUntil([&] { return test_support::NativeProcesses(Mark()).empty(); }));
     if (IsWindow(parent) != FALSE) {
         DestroyWindow(parent);
     }
     CoUninitialize();
-    RemoveProfile(folder);
+    test_support::RemoveNatively(folder);
+}
+
+std::string RuntimeTest::Mark() const {
+    return std::filesystem::path(folder).filename().string();
+}
+
+void RuntimeTest::KillChromium() const {
+    const int process = test_support::NativeChromium(Mark());
+    ASSERT_NE(process, 0);
+    test_support::KillNative(process);
+    EXPECT_TRUE(PumpUntil([&] { return test_support::NativeChromium(Mark()) == 0; }));
 }
 
 void RuntimeTest::ReleaseAll() {
@@ -163,43 +101,30 @@ void RuntimeTest::ReleaseAll() {
 RuntimeTest::MadeEnvironment RuntimeTest::MakeEnvironment(const std::wstring& userDataFolder,
                                                           ICoreWebView2EnvironmentOptions* options,
                                                           const wchar_t* browserFolder) {
-    MadeEnvironment made;
-    int calls = 0;
-    const auto handler = MakeHandler<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler>(
-        [&](HRESULT result, ICoreWebView2Environment* created) {
-            made.result = result;
-            made.environment = created;
-            ++calls;
+    const auto made = Completed<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler, MadeEnvironment>(
+        [&](auto* handler) {
+            return Runtime().createWithOptions(browserFolder, userDataFolder.c_str(), options, handler);
+        },
+        [](HRESULT result, ICoreWebView2Environment* created) {
+            return MadeEnvironment{result, created};
         });
-    const HRESULT started =
-        Runtime().createWithOptions(browserFolder, userDataFolder.c_str(), options, handler.Get());
-    EXPECT_EQ(started, S_OK);
-    EXPECT_EQ(calls, 0) << "completed inside the call";
-    EXPECT_TRUE(FAILED(started) || PumpUntil([&] { return calls != 0; }));
-    EXPECT_EQ(calls, 1);
-    return made;
+    return made.value_or(MadeEnvironment());
 }
 
 RuntimeTest::MadeController RuntimeTest::MakeController(bool inPrivate) {
-    MadeController made;
     ComPtr<ICoreWebView2Environment10> environment10;
     ComPtr<ICoreWebView2ControllerOptions> options;
     EXPECT_EQ(environment.As(&environment10), S_OK);
     EXPECT_EQ(environment10->CreateCoreWebView2ControllerOptions(&options), S_OK);
     EXPECT_EQ(options->put_IsInPrivateModeEnabled(inPrivate ? TRUE : FALSE), S_OK);
-    int calls = 0;
-    const auto handler = MakeHandler<ICoreWebView2CreateCoreWebView2ControllerCompletedHandler>(
-        [&](HRESULT result, ICoreWebView2Controller* created) {
-            made.result = result;
-            made.controller = created;
-            ++calls;
+    const auto made = Completed<ICoreWebView2CreateCoreWebView2ControllerCompletedHandler, MadeController>(
+        [&](auto* handler) {
+            return environment10->CreateCoreWebView2ControllerWithOptions(parent, options.Get(), handler);
+        },
+        [](HRESULT result, ICoreWebView2Controller* created) {
+            return MadeController{result, created};
         });
-    EXPECT_EQ(environment10->CreateCoreWebView2ControllerWithOptions(parent, options.Get(), handler.Get()),
-              S_OK);
-    EXPECT_EQ(calls, 0) << "completed inside the call";
-    EXPECT_TRUE(PumpUntil([&] { return calls != 0; }));
-    EXPECT_EQ(calls, 1);
-    return made;
+    return made.value_or(MadeController());
 }
 
 void WebViewTest::SetUp() {
@@ -222,9 +147,9 @@ void WebViewTest::TearDown() {
 
 std::optional<Completion> WebViewTest::CompletionAfter(const std::function<void()>& start) {
     std::optional<Completion> completion;
-    EventRegistrationToken token{};
-    const auto handler = MakeHandler<ICoreWebView2NavigationCompletedEventHandler>(
-        [&](ICoreWebView2*, ICoreWebView2NavigationCompletedEventArgs* arguments) {
+    const EventRegistrationToken token = AddHandler<ICoreWebView2NavigationCompletedEventHandler>(
+        view.Get(), &ICoreWebView2_15::add_NavigationCompleted,
+        [&](ICoreWebView2NavigationCompletedEventArgs* arguments) {
             BOOL succeeded = FALSE;
             COREWEBVIEW2_WEB_ERROR_STATUS status{};
             UINT64 id = 0;
@@ -233,7 +158,6 @@ std::optional<Completion> WebViewTest::CompletionAfter(const std::function<void(
             EXPECT_EQ(arguments->get_NavigationId(&id), S_OK);
             completion = Completion{succeeded != FALSE, status, id};
         });
-    EXPECT_EQ(view->add_NavigationCompleted(handler.Get(), &token), S_OK);
     start();
     EXPECT_TRUE(PumpUntil([&] { return completion.has_value(); }));
     EXPECT_EQ(view->remove_NavigationCompleted(token), S_OK);
@@ -245,57 +169,35 @@ std::optional<Completion> WebViewTest::Load(const std::wstring& url) {
 }
 
 std::wstring WebViewTest::Run(const std::wstring& script) {
-    std::optional<std::wstring> answer;
-    const auto handler =
-        MakeHandler<ICoreWebView2ExecuteScriptCompletedHandler>([&](HRESULT result, LPCWSTR json) {
+    const auto answer = Completed<ICoreWebView2ExecuteScriptCompletedHandler, std::wstring>(
+        [&](auto* handler) { return view->ExecuteScript(script.c_str(), handler); },
+        [](HRESULT result, LPCWSTR json) {
             EXPECT_EQ(result, S_OK);
-            answer = json;
+            return json == nullptr ? L"(null)" : json;
         });
-    EXPECT_EQ(view->ExecuteScript(script.c_str(), handler.Get()), S_OK);
-    EXPECT_FALSE(answer) << "completed inside the call";
-    EXPECT_TRUE(PumpUntil([&] { return answer.has_value(); }));
     return answer.value_or(L"(no answer)");
 }
 
 std::wstring WebViewTest::AddDocumentScript(const std::wstring& script) {
-    std::optional<std::wstring> id;
-    const auto handler = MakeHandler<ICoreWebView2AddScriptToExecuteOnDocumentCreatedCompletedHandler>(
-        [&](HRESULT result, LPCWSTR text) {
+    const auto id = Completed<ICoreWebView2AddScriptToExecuteOnDocumentCreatedCompletedHandler, std::wstring>(
+        [&](auto* handler) { return view->AddScriptToExecuteOnDocumentCreated(script.c_str(), handler); },
+        [](HRESULT result, LPCWSTR text) {
             EXPECT_EQ(result, S_OK);
-            id = text;
+            return text == nullptr ? L"" : text;
         });
-    EXPECT_EQ(view->AddScriptToExecuteOnDocumentCreated(script.c_str(), handler.Get()), S_OK);
-    EXPECT_FALSE(id) << "completed inside the call";
-    EXPECT_TRUE(PumpUntil([&] { return id.has_value(); }));
     return id.value_or(L"");
 }
 
 EventRegistrationToken
 WebViewTest::OnStarting(std::function<void(ICoreWebView2NavigationStartingEventArgs*)> handler) const {
-    EventRegistrationToken token{};
-    EXPECT_EQ(
-        view->add_NavigationStarting(
-            MakeHandler<ICoreWebView2NavigationStartingEventHandler>([handler = std::move(handler)](
-                                                                         ICoreWebView2*, auto* arguments) {
-                handler(arguments);
-            }).Get(),
-            &token),
-        S_OK);
-    return token;
+    return AddHandler<ICoreWebView2NavigationStartingEventHandler>(
+        view.Get(), &ICoreWebView2_15::add_NavigationStarting, std::move(handler));
 }
 
 EventRegistrationToken
 WebViewTest::OnRequested(std::function<void(ICoreWebView2WebResourceRequestedEventArgs*)> handler) const {
-    EventRegistrationToken token{};
-    EXPECT_EQ(
-        view->add_WebResourceRequested(
-            MakeHandler<ICoreWebView2WebResourceRequestedEventHandler>([handler = std::move(handler)](
-                                                                           ICoreWebView2*, auto* arguments) {
-                handler(arguments);
-            }).Get(),
-            &token),
-        S_OK);
-    return token;
+    return AddHandler<ICoreWebView2WebResourceRequestedEventHandler>(
+        view.Get(), &ICoreWebView2_15::add_WebResourceRequested, std::move(handler));
 }
 
 } // namespace webview2_runtime_test

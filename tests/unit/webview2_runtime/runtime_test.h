@@ -1,9 +1,11 @@
-// What the tests of the runtime share: the loaded DLL, a message loop with a deadline, and a web view on a real Chromium.
+// What the tests of the runtime share: the loaded DLL, waiting for completions, and a web view on a real Chromium.
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <winsock2.h>
@@ -15,13 +17,15 @@
 #include "WebView2.h"
 #include "testbed/webview2_runtime/execute_script_handler.h"
 #include "tests/support/canned_server.h"
+#include "tests/support/message_pump.h"
+#include "tests/support/native_process.h"
 #include "tests/unit/webview2_runtime/handlers.h"
 
 namespace webview2_runtime_test {
 
 using Microsoft::WRL::ComPtr;
-
-inline constexpr DWORD kDeadline = 20000; // milliseconds
+using test_support::PumpUntil;
+using test_support::PumpWaiting;
 
 /// The exports of WebView2Loader.dll, looked up as a host does.
 struct Loader {
@@ -39,13 +43,26 @@ struct Loader {
 
 const Loader& Runtime();
 
-/// Runs the message loop until the condition holds.
+/// Starts something that completes with a call of a handler, and waits for that. The call has to come after the start, and
+/// only once.
 ///
-/// @return false at the deadline.
-bool PumpUntil(const std::function<bool()>& condition);
-
-/// Dispatches what is waiting, and returns.
-void PumpWaiting();
+/// @param start gets the handler; returns an HRESULT, which has to be S_OK.
+/// @param read makes a `Result` of what the handler's `Invoke` gets. It must not refer to anything of the caller's: the call
+///             may come after the deadline.
+/// @return nothing if it was not started, and at the deadline.
+template <typename Handler, typename Result, typename Start, typename Read>
+std::optional<Result> Completed(const Start& start, Read read) {
+    const auto result = std::make_shared<std::optional<Result>>();
+    const auto handler = MakeHandler<Handler>([result, read](auto... arguments) {
+        EXPECT_FALSE(*result) << "completed twice";
+        *result = read(arguments...);
+    });
+    const HRESULT started = start(handler.Get());
+    EXPECT_EQ(started, S_OK);
+    EXPECT_FALSE(*result) << "completed inside the call";
+    EXPECT_TRUE(FAILED(started) || PumpUntil([&] { return result->has_value(); }));
+    return std::exchange(*result, std::nullopt);
+}
 
 /// Takes over a text that a getter hands out: `TextFrom([&](LPWSTR* text) { return view->get_Source(text); })`.
 std::wstring TextFrom(const std::function<HRESULT(LPWSTR*)>& getter);
@@ -55,12 +72,6 @@ struct Completion {
     COREWEBVIEW2_WEB_ERROR_STATUS status;
     UINT64 id;
 };
-
-/// The native process ids of the Chromium on a profile folder, whose last part has to be unique.
-std::vector<int> ChromiumProcesses(const std::wstring& folder);
-
-/// Ends a native process at once.
-void KillNative(int process);
 
 /// A single-threaded apartment, a window to be the parent, and a profile folder of the test's own. At the end everything
 /// of the runtime has to be gone, and every Chromium on the folder.
@@ -84,6 +95,9 @@ class RuntimeTest : public testing::Test {
     };
     MadeController MakeController(bool inPrivate = false);
 
+    /// As a crash would; it has ended on return.
+    void KillChromium() const;
+
     /// Everything that a host holds, gone.
     void ReleaseAll();
 
@@ -92,6 +106,10 @@ class RuntimeTest : public testing::Test {
     ComPtr<ICoreWebView2Environment> environment;
     ComPtr<ICoreWebView2Controller> controller;
     ComPtr<ICoreWebView2_15> view;
+
+  private:
+    /// In the command lines of the machine's processes that use the folder.
+    std::string Mark() const;
 };
 
 /// With an environment, a controller and a web view from the start.

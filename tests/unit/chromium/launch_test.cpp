@@ -1,0 +1,45 @@
+// The launcher by itself, without a connection on top.
+#include <array>
+#include <string>
+
+#include "testbed/chromium/launch.h"
+#include "tests/unit/chromium/chromium_test.h"
+
+namespace chromium_test {
+namespace {
+
+constexpr DWORD kDeadlineMilliseconds = 15'000;
+
+/// Everything up to the end; false if that does not come in time.
+bool ReadToEnd(const Socket& socket, std::string& text) {
+    setsockopt(socket.Get(), SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&kDeadlineMilliseconds),
+               sizeof(kDeadlineMilliseconds));
+    std::array<char, 4096> buffer{};
+    for (;;) {
+        const int count = recv(socket.Get(), buffer.data(), static_cast<int>(buffer.size()), 0);
+        if (count <= 0) {
+            return count == 0;
+        }
+        text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+}
+
+TEST(Launcher, EndsTheStatusAlsoWhereAnotherProcessHasInheritedIt) {
+    const SocketLibrary library;
+    const ProfileFolder folder;
+    DWORD error = ERROR_SUCCESS;
+    const std::string nativeFolder = NativeFolder(folder.Path(), error);
+    ASSERT_FALSE(nativeFolder.empty()) << error;
+    const SocketPair channel = MakeSocketPair();
+    // Their ends stay open here, as they do in a process that was started in the same moment.
+    const SocketPair status = MakeSocketPair();
+    ASSERT_EQ(StartChromium(nativeFolder, channel.theirs, status.theirs), static_cast<DWORD>(ERROR_SUCCESS));
+    const std::string close = R"({"id":1,"method":"Browser.close"})";
+    ASSERT_GT(send(channel.ours.Get(), close.c_str(), static_cast<int>(close.size()) + 1, 0), 0);
+    std::string said;
+    EXPECT_TRUE(ReadToEnd(status.ours, said));
+    EXPECT_NE(said.find(kExitedEvent), std::string::npos) << said;
+}
+
+} // namespace
+} // namespace chromium_test
