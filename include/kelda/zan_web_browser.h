@@ -21,10 +21,15 @@ class KELDA_API ZanWebBrowser {
     /// What the owner is told. It is called on the browser's thread and must stay until `Destroy`.
     class Callback {
       public:
-        virtual void OnNavigationCompleted() = 0;  ///< The page finished loading.
-        virtual void OnSessionAuthenticated() = 0; ///< The page reported a login. Called once at most.
-        virtual void
-        OnSessionAuthenticatedFailed() = 0; ///< Neither backend calls it: a failed page stays in sight.
+        /// A login page has loaded; comes again for each page, until the session is authenticated.
+        virtual void OnNavigationCompleted() = 0;
+
+        /// The page has reported a session, or the check's file has loaded. Called once. The owner may call `Destroy` from
+        /// here, but must not let go of the browser: the page's call is still running.
+        virtual void OnSessionAuthenticated() = 0;
+
+        /// Neither backend calls it: a page that failed stays in sight.
+        virtual void OnSessionAuthenticatedFailed() = 0;
 
       protected:
         Callback() = default;
@@ -54,7 +59,8 @@ class KELDA_API ZanWebBrowser {
     virtual HWND GetWindowHandle() = 0;
 
     /// Chooses the backend: the legacy browser where the variable MERIDO_ZANWEBBROWSER_IMPLEMENTATION contains "ie", else
-    /// WebView2 where a runtime of version 115 or later is there, else the legacy browser.
+    /// WebView2 where a runtime of version 115 or later is there, else the legacy browser. Looking for the runtime empties
+    /// the three standard WEBVIEW2_ variables of the process.
     ///
     /// @param serverUrl  Address of the server, UTF-8. The path of the page is appended to it as it is.
     /// @param checkMode  0: the login page. Else: the file that only an authenticated session may fetch.

@@ -1,3 +1,4 @@
+// The table of folders and the starts that are under way.
 #include "testbed/chromium/browser_opening.h"
 
 #include <utility>

@@ -6,7 +6,6 @@
 #include "testbed/chromium/launch.h"
 
 #include <array>
-#include <cstdint>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -15,7 +14,6 @@ namespace testbed::chromium {
 namespace {
 
 constexpr const wchar_t* kInterpreter = L"\\\\?\\unix\\usr\\bin\\perl";
-constexpr std::wstring_view kInterpreterFile = L"\\usr\\bin\\perl";
 
 /// Wine's code page for what the machine below calls its files.
 constexpr UINT kNativeCodePage = 65010;
@@ -93,31 +91,6 @@ DWORD MakeFolder(const std::wstring& folder) {
     return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? DWORD{ERROR_SUCCESS} : DWORD{ERROR_DIRECTORY};
 }
 
-/// The handle that the next object of this process gets: the lowest free one.
-std::uintptr_t NextHandle() {
-    HANDLE probe = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    const auto value = reinterpret_cast<std::uintptr_t>(probe);
-    CloseHandle(probe);
-    return value;
-}
-
-/// To start a program of the machine below, Wine 8.0 opens its file and never closes it. It is among the first handles that
-/// were made since `first` was the next one; the name makes sure that it is the right one. What the machine below
-/// has open for it stays open: there is no way to that.
-void CloseForgottenFile(std::uintptr_t first) {
-    constexpr std::uintptr_t kStep = 4;
-    constexpr std::uintptr_t kCandidates = 16;
-    for (std::uintptr_t value = first; value < first + kCandidates * kStep; value += kStep) {
-        auto* handle = reinterpret_cast<HANDLE>(value);
-        std::array<wchar_t, MAX_PATH> name{};
-        if (GetFinalPathNameByHandleW(handle, name.data(), MAX_PATH, 0) < MAX_PATH &&
-            std::wstring_view(name.data()).ends_with(kInterpreterFile)) {
-            CloseHandle(handle);
-            return;
-        }
-    }
-}
-
 } // namespace
 
 std::string NativeFolder(const std::wstring& folder, DWORD& error) {
@@ -152,12 +125,10 @@ DWORD StartChromium(const std::string& nativeFolder, const Socket& channel, cons
     startup.hStdError = INVALID_HANDLE_VALUE;
     PROCESS_INFORMATION process{};
     std::wstring line = CommandLine(nativeFolder);
-    const std::uintptr_t nextHandle = NextHandle();
     if (CreateProcessW(kInterpreter, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
                        &process) == FALSE) {
         return GetLastError();
     }
-    CloseForgottenFile(nextHandle);
     // Wine gives none for a program of the machine below.
     for (HANDLE handle : {process.hProcess, process.hThread}) {
         if (handle != nullptr) {

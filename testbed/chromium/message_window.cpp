@@ -1,3 +1,4 @@
+// Message-only windows and what is posted to them.
 #include "testbed/chromium/message_window.h"
 
 #include <memory>

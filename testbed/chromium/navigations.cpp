@@ -1,3 +1,4 @@
+// Which navigation an event belongs to, and how it ends.
 #include "testbed/chromium/navigations.h"
 
 #include <algorithm>

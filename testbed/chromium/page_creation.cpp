@@ -1,3 +1,4 @@
+// One command after the other until the page is there.
 #include "testbed/chromium/page_creation.h"
 
 #include <exception>

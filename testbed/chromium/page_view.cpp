@@ -1,3 +1,4 @@
+// The view as its owner sees it; the window does the work.
 #include "testbed/chromium/page_view.h"
 
 #include "testbed/chromium/page.h"

@@ -1,3 +1,4 @@
+// Decoding of PNG, and painting.
 #include "testbed/chromium/picture.h"
 
 #include <wincrypt.h>

@@ -1,3 +1,4 @@
+// Sending, and the thread that receives.
 #include "testbed/chromium/pipe.h"
 
 #include <array>

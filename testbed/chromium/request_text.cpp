@@ -1,3 +1,4 @@
+// Headers and kinds of resources, in both directions.
 #include "testbed/chromium/request_text.h"
 
 #include <algorithm>

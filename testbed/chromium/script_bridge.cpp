@@ -1,3 +1,4 @@
+// The binding, the script that captures it, and replies into the right document.
 #include "testbed/chromium/script_bridge.h"
 
 namespace testbed::chromium {

@@ -1,3 +1,4 @@
+// Message boxes for alert, confirm, prompt and the question before leaving.
 #include "testbed/chromium/script_dialog.h"
 
 #include "testbed/chromium/text.h"

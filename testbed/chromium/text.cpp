@@ -1,3 +1,4 @@
+// Conversions, and names that are compared without regard to case.
 #include "testbed/chromium/text.h"
 
 #include <algorithm>

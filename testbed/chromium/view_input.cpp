@@ -1,3 +1,4 @@
+// Mouse buttons, keys and characters, one command each.
 #include "testbed/chromium/view_input.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Its window procedure, its pictures and its focus.
 #include "testbed/chromium/view_window.h"
 
 #include <algorithm>

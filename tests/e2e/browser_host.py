@@ -12,7 +12,7 @@ from pathlib import Path
 
 from tests.flow.viewer_case import BIN_DIR, WINE, windows_path
 
-ANSWER_SECONDS = 60
+ANSWER_SECONDS = 40
 TRACE_LINE = re.compile(r"\S+ kelda (\S+) (\d) (.*)")
 
 

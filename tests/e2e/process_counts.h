@@ -5,7 +5,8 @@
 
 namespace e2e {
 
-/// Open handles of this process.
+/// Open handles of this process, without those that Wine 8.0 forgets: to start a program of the machine below, it opens
+/// that program's file and never closes it. (Closing it from here ends in handles of others being closed.)
 std::size_t CountHandles();
 
 /// Windows of this process: top-level ones with all their children, and message-only ones.

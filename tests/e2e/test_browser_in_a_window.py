@@ -82,7 +82,7 @@ class BrowserInAWindow(BrowserCase):
         # The icon is an image, for which browsers ask otherwise.
         icon = "/favicon.ico"
         await_condition(lambda: icon in [request["path"] for request in self.server.requests()], "the icon's request")
-        self.assertEqual([request["headers"]["Accept"] for request in self.server.requests()], ["*/*", "*/*"])
+        self.assertEqual({request["headers"]["Accept"] for request in self.server.requests()}, {"*/*"})
 
     def test_a_page_that_calls_the_host_object_reports_its_session_once(self) -> None:
         host = self.host(server_url=self.server.url + "/login/report?for=", MERIDO_ZANWEBBROWSER_IMPLEMENTATION="parse")
@@ -95,16 +95,18 @@ class BrowserInAWindow(BrowserCase):
 
     def test_nothing_is_left_after_several_browsers(self) -> None:
         host = self.host()
-        counts = []
+        _, windows, _ = host.counts()
+        settled = None
         for _ in range(4):
             host.tell("create")
             host.await_event("completed")
             host.tell("close")
-            host.tell("release")
             self.assert_no_browser_process()
-            counts.append(host.counts())
-        self.assertEqual(counts[0][2], 0, "objects of the runtime")
-        self.assertEqual(counts, [counts[0]] * 4, "handles, windows and objects after each browser")
+            host.tell("release")
+            # The first one also loads modules, which keep handles of their own.
+            settled = settled or host.counts()
+            await_condition(lambda: host.counts() == settled, f"the return to {settled} handles, windows and objects")
+        self.assertEqual(settled[1:], (windows, 0))
 
     def test_a_browser_that_is_closed_before_it_has_come_up_leaves_nothing(self) -> None:
         host = self.host()

@@ -1,3 +1,4 @@
+// Copies of the array, each element counted.
 #include "options/scheme_registrations.h"
 
 #include <objbase.h>

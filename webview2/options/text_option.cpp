@@ -1,3 +1,4 @@
+// Copies in the task allocator.
 #include "options/text_option.h"
 
 #include <cwchar>

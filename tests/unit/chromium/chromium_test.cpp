@@ -1,3 +1,4 @@
+// Profile folders, the remembering client, and waiting.
 #include "tests/unit/chromium/chromium_test.h"
 
 #include <filesystem>

@@ -1,3 +1,4 @@
+// Cookies: set, read and deleted, and the profiles that they belong to.
 #include <algorithm>
 #include <ctime>
 

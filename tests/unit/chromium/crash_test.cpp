@@ -1,3 +1,4 @@
+// What comes of it when a renderer or all of Chromium goes.
 #include "tests/unit/chromium/chromium_test.h"
 
 namespace chromium_test {

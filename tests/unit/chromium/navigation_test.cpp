@@ -1,3 +1,4 @@
+// Navigations: how they start, and how each ends once.
 #include "tests/unit/chromium/chromium_test.h"
 
 namespace chromium_test {

@@ -1,3 +1,4 @@
+// Opening a browser, sharing it, and its end.
 #include <array>
 #include <filesystem>
 #include <fstream>

@@ -1,3 +1,4 @@
+// Requests as the client sees and edits them, and as the server gets them.
 #include <algorithm>
 
 #include "tests/unit/chromium/chromium_test.h"

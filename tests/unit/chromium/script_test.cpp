@@ -1,3 +1,4 @@
+// Document scripts, the bridge, and the boxes that scripts open.
 #include "tests/unit/chromium/chromium_test.h"
 
 namespace chromium_test {

@@ -1,3 +1,4 @@
+// The view: its pictures, its size, its input and its focus.
 #include "tests/unit/chromium/chromium_test.h"
 
 namespace chromium_test {
