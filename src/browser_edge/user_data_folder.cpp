@@ -32,10 +32,10 @@ std::string ChooseUserDataFolder() {
     }
     std::string preferences;
     if (dp::MeridoInfo::GetMeridoUserPrefsLocalDir(preferences)) {
-        du::FileSpec spec;
-        spec.SetLocation(preferences);
-        spec.PushDirectory(kProfileDirectory);
-        return spec.GetPath();
+        du::FileSpec path;
+        path.SetLocation(preferences);
+        path.PushDirectory(kProfileDirectory);
+        return path.GetPath();
     }
     folder = BelowTemporaryDirectory();
     kWebBrowserEdgeTrace.Info() << "Could not find user data folder, using " << folder;
