@@ -12,16 +12,9 @@ namespace {
 
 using testbed::chromium::Header;
 using testbed::chromium::Headers;
+using testbed::chromium::SameName;
 using testbed::chromium::ToUtf16;
 using testbed::chromium::ToUtf8;
-
-char AsciiLower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
-bool SameName(std::string_view left, std::string_view right) {
-    return std::ranges::equal(left, right, {}, AsciiLower, AsciiLower);
-}
 
 auto Named(const std::string& name) {
     return [name](const Header& header) { return SameName(header.name, name); };
