@@ -345,10 +345,7 @@ void PageSession::SetSize(LONG width, LONG height) {
          {{"width", width}, {"height", height}, {"deviceScaleFactor", 1}, {"mobile", false}},
          [this](const Json* /*result*/) {
              // A new size does not always bring a new picture, but a new start does.
-             if (sendsPictures_) {
-                 SendPictures(false);
-                 SendPictures(true);
-             }
+             RestartPictures();
          });
 }
 
@@ -358,6 +355,13 @@ void PageSession::SendPictures(bool enabled) {
         Send("Page.startScreencast", {{"format", "png"}, {"everyNthFrame", 1}});
     } else {
         Send("Page.stopScreencast");
+    }
+}
+
+void PageSession::RestartPictures() {
+    if (sendsPictures_) {
+        SendPictures(false);
+        SendPictures(true);
     }
 }
 

@@ -74,6 +74,8 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     /// @param width and the other one: in pixels, at least 1.
     void SetSize(LONG width, LONG height);
     void SendPictures(bool enabled);
+    /// Brings the picture of now; nothing while none are sent.
+    void RestartPictures();
 
     void OnEvent(const std::string& method, const Json& params) override;
     void OnConnectionLost() override;

@@ -10,6 +10,9 @@
 namespace testbed::chromium {
 namespace {
 
+constexpr UINT_PTR kQuietTimer = 1;
+constexpr UINT kQuietMilliseconds = 200;
+
 /// The paint that `BeginPaint` starts.
 class PaintScope {
   public:
@@ -107,6 +110,21 @@ void ViewWindow::OnPicture(const std::string& png) {
         InvalidateRect(window_, nullptr, FALSE);
         UpdateWindow(window_);
     }
+    ExpectNoMorePictures();
+}
+
+/// Chromium drops pictures, be it the last one, while a few are not acknowledged yet. So when no more come it is asked once
+/// for the picture of now.
+void ViewWindow::ExpectNoMorePictures() {
+    if (!std::exchange(lookedAgain_, false) && window_ != nullptr) {
+        SetTimer(window_, kQuietTimer, kQuietMilliseconds, nullptr);
+    }
+}
+
+void ViewWindow::LookAgain() {
+    KillTimer(window_, kQuietTimer);
+    lookedAgain_ = true;
+    session_->RestartPictures();
 }
 
 void ViewWindow::OnRendererReplaced() {
@@ -137,6 +155,9 @@ LRESULT ViewWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         return 0;
     case WM_GETDLGCODE:
         return DLGC_WANTALLKEYS;
+    case WM_TIMER:
+        LookAgain();
+        return 0;
     case WM_NCDESTROY:
         SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
         session_->SetDialogOwner(nullptr);

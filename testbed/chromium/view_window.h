@@ -36,6 +36,8 @@ class ViewWindow final : public PictureSink {
 
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     bool OnInput(UINT message, WPARAM wParam, LPARAM lParam);
+    void ExpectNoMorePictures();
+    void LookAgain();
     void Paint();
     void SendSize();
     void SendFocus(bool focused);
@@ -46,6 +48,7 @@ class ViewWindow final : public PictureSink {
     bool visible_ = false;
     PictureDecoder decoder_;
     std::optional<Picture> picture_;
+    bool lookedAgain_ = false; // the next picture is known to be that of now
     KeyInput keys_;
 };
 
