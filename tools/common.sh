@@ -107,6 +107,8 @@ prepare_wine_prefix() {
     else
         stage_done "there"
     fi
+    # The signs on the buttons of title bars. The package has the font where its Wine does not look for it.
+    logged wine-font cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
     # Kept running until the end, with its services: every program start is quicker for it.
     logged wineserver wineserver_of_prefix --persistent
     logged wine-services tools/run-in-wine wineboot

@@ -28,26 +28,30 @@ enum class AuthenticationStatus : std::int32_t {
 /// Gets the calling process authenticated against a server, asking the user where it must.
 ///
 /// Probes `serverUrl` + `urlPath` with an HTTP GET. A server that challenges for Basic credentials gets what the
-/// user enters at the system's credential prompt.
+/// user enters at the system's credential prompt. A server that answers without a challenge has a web login form: it is
+/// shown in a modal dialog, which closes as soon as the form's page reports the session.
 ///
-/// @param promptText   First line of the credential prompt's message.
+/// @param promptText   First line of the credential prompt's message, and first part of the dialog's title.
 /// @param captionText  Caption of the credential prompt.
 /// @param ownerDevice  Name (UTF-8) of the host UI toolkit's device that owns the operation. Must not be null. A name
 ///                     that the toolkit does not know is no error: the desktop's window takes the device's place.
+///                     It owns the prompt; what owns the dialog is the toolkit's choice.
 /// @param serverUrl    Address of the server, UTF-8. Must not be null. Also the name under which the user's answer is
 ///                     kept in the Windows credential store, character by character: the same server with and without
-///                     a trailing slash are two entries.
+///                     a trailing slash are two entries. The login page is looked for below it, whatever `urlPath` is;
+///                     the dialog's title shows it without a trailing slash.
 /// @param urlPath      Appended to `serverUrl` as it is, UTF-8, no separator added; null means nothing is appended.
 ///
-/// @return true when the user gave credentials and the server accepted them. Else false: the request failed, the user
-///         cancelled, the server refused the credentials, or it answered without asking for any. The last is taken as
-///         the sign of a web login form, which this version does not show yet. It is also what a server's answer looks
-///         like once this process is authenticated, as the system then sends the credentials by itself: call it once.
-///         The trace, module "kelda", tells more.
+/// @return true when the user gave credentials and the server accepted them, or logged in at the login dialog. Else
+///         false: the request failed, the user cancelled the prompt or closed the dialog, the server refused the
+///         credentials, or there was no dialog to be had. The trace, module "kelda", tells more.
+///
+/// An answer without a challenge is also what a process gets that is authenticated already, as the system then sends the
+/// credentials by itself: a second call for a server with Basic authentication opens a login dialog. Call it once.
 ///
 /// Threading: call it on the host's UI thread, with COM initialised there as a single-threaded apartment. It returns
-/// when all is decided. Prompts pump window messages meanwhile; do not call it again from there.
-/// Ownership: all arguments stay the caller's and are not kept.
+/// when all is decided. Prompts and the dialog pump window messages meanwhile; do not call it again from there.
+/// Ownership: all arguments stay the caller's and are not kept. The browser of a dialog lives until the next dialog closes.
 /// Errors: failing system calls never throw. Exceptions of the standard library, `std::bad_alloc` above all, leave it.
 KELDA_API bool AuthenticateServer(const std::wstring& promptText, const std::wstring& captionText,
                                   const char* ownerDevice, const char* serverUrl, const char* urlPath);

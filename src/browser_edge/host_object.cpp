@@ -1,6 +1,5 @@
-// The host object "external" with its one member, and the report of the session that comes through it.
+// The host object "external" with its one member.
 #include <cwchar>
-#include <utility>
 
 #include "browser_edge/bare_dispatch.h"
 #include "browser_edge/impl.h"
@@ -55,14 +54,6 @@ HRESULT ZanWebBrowserEdge::Impl::Invoke(DISPID id, REFIID /*iid*/, LCID /*locale
             return S_OK;
         },
         TraceException);
-}
-
-// Reported once: a second call of the page, or a later load in check mode, finds no callback.
-void ZanWebBrowserEdge::Impl::OnSessionAuthenticated() {
-    if (callback_ != nullptr) {
-        kWebBrowserEdgeTrace.Info() << "OnSessionAuthenticated();";
-        std::exchange(callback_, nullptr)->OnSessionAuthenticated();
-    }
 }
 
 } // namespace kelda

@@ -13,7 +13,8 @@
 namespace kelda {
 
 ZanWebBrowserEdge::Impl::Impl(const du::Symbol& serverUrl, int checkMode)
-    : verboseTrace_(ImplementationWordGiven("trace")),
+    : useCookieManager_(!ImplementationWordGiven("parse")),
+      verboseTrace_(ImplementationWordGiven("trace")),
       allowSingleSignOn_(!ImplementationWordGiven("nosso")),
       inPrivate_(ImplementationWordGiven("inprivate")),
       devTools_(ImplementationWordGiven("devtools")),

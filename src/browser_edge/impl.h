@@ -6,7 +6,8 @@
 //   events.cpp        the table of event registrations and removals
 //   navigation.cpp    the first navigation, its outcome, what the page may request
 //   trust.cpp         certificates and challenges
-//   host_object.cpp   IDispatch, and the report of the session
+//   host_object.cpp   IDispatch
+//   session.cpp       the report of the session, and its cookies on their way to WinINet
 //   teardown.cpp      Destroy
 #pragma once
 
@@ -90,9 +91,15 @@ class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDisp
     HRESULT OnClientCertificateRequested(ICoreWebView2* sender,
                                          ICoreWebView2ClientCertificateRequestedEventArgs* args);
 
+    HRESULT OnGetCookiesCompleted(HRESULT result, ICoreWebView2CookieList* list);
+    static void ReportFromMessageLoop(const CallbackTarget<Impl>& target);
+    static int OnReportTimer(void* data);
+    void ReportSessionAuthenticated();
+
     void StopListening();
     void UnregisterEvents(const WebViewObjects& objects) const;
 
+    bool useCookieManager_; // else the session is reported without its cookies
     bool verboseTrace_;
     bool allowSingleSignOn_;
     bool inPrivate_;
@@ -101,7 +108,7 @@ class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDisp
     Microsoft::WRL::ComPtr<ICoreWebView2CookieManager> cookieManager_; // teardown leaves it
     std::array<EventRegistrationToken, kEventCount> tokens_{};
     std::wstring scriptId_;
-    du::Symbol url_;
+    const du::Symbol url_;
     std::uint32_t refCount_ = 0;
     HWND parent_ = nullptr;
     HWND windowHandle_ = nullptr; // the runtime does not tell it

@@ -2,6 +2,8 @@
 #include <string_view>
 
 #include "browser_edge/impl.h"
+#include "cookies/cookie_copy.h"
+#include "cookies/win_inet_cookies.h"
 #include "du/string_utilities.h"
 #include "support/com_call.h"
 #include "support/com_text.h"
@@ -24,6 +26,11 @@ HRESULT ZanWebBrowserEdge::Impl::OnDocumentScriptAdded(HRESULT result, LPCWSTR i
     }
     scriptId_ = id != nullptr ? id : L"";
     const std::wstring url = du::Utf8ToWideStr(url_.safe_c_str());
+    if (verboseTrace_) {
+        kWebBrowserEdgeTrace.Info() << "WinInet cookies before navigating to " << url_.safe_c_str();
+        TraceWinInetCookies(url);
+    }
+    PrePopulateLoadBalancerCookies(url, cookieManager_, verboseTrace_);
     if (verboseTrace_) {
         kWebBrowserEdgeTrace.Info() << "Navigating to " << url_.safe_c_str();
     }

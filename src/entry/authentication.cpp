@@ -1,6 +1,7 @@
 // The exported functions: one probe, and the decision of what follows it.
 #include "kelda/kelda.h"
 
+#include "dialog/form_based_authentication_dialog.h"
 #include "probe/server_basic_authentication.h"
 #include "support/trace.h"
 
@@ -10,6 +11,9 @@ bool AuthenticateServer(const std::wstring& promptText, const std::wstring& capt
                         const char* ownerDevice, const char* serverUrl, const char* urlPath) {
     const AuthenticationStatus status = ApplyBasicAuthentication(
         promptText, captionText, ownerDevice, serverUrl, urlPath != nullptr ? urlPath : "");
+    if (status == AuthenticationStatus::FormBasedRequired) {
+        return RunFormBasedAuthentication(promptText, serverUrl);
+    }
     return status == AuthenticationStatus::Authenticated;
 }
 

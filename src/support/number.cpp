@@ -3,22 +3,40 @@
 
 #include <cerrno>
 #include <cwchar>
+#include <limits>
 #include <stdexcept>
 
 namespace kelda {
+namespace {
 
-int ToInt(const std::wstring& text) {
+struct ErrorTexts {
+    const char* invalid;
+    const char* outOfRange;
+};
+
+template <typename Number>
+Number Convert(const std::wstring& text, const ErrorTexts& errors) {
+    using Limits = std::numeric_limits<Number>;
     wchar_t* end = nullptr;
     errno = 0;
-    const long number = std::wcstol(text.c_str(), &end, 10);
+    const long long number = std::wcstoll(text.c_str(), &end, 10);
     if (end == text.c_str()) {
-        throw std::invalid_argument("invalid stoi argument");
+        throw std::invalid_argument(errors.invalid);
     }
-    static_assert(sizeof(long) == sizeof(int), "the range of the conversion is that of the result");
-    if (errno == ERANGE) {
-        throw std::out_of_range("stoi argument out of range");
+    if (errno == ERANGE || number < Limits::min() || number > Limits::max()) {
+        throw std::out_of_range(errors.outOfRange);
     }
-    return number;
+    return static_cast<Number>(number);
+}
+
+} // namespace
+
+int ToInt(const std::wstring& text) {
+    return Convert<int>(text, {"invalid stoi argument", "stoi argument out of range"});
+}
+
+std::int64_t ToInt64(const std::wstring& text) {
+    return Convert<std::int64_t>(text, {"invalid stoll argument", "stoll argument out of range"});
 }
 
 } // namespace kelda

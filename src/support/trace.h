@@ -20,6 +20,7 @@ class ComponentTrace {
 };
 
 inline constexpr ComponentTrace kBasicAuthenticationTrace{"ZanBasicAuthentication"};
+inline constexpr ComponentTrace kFormBasedAuthenticationTrace{"ZanFormBasedAuthentication"};
 inline constexpr ComponentTrace kWebBrowserEdgeTrace{"ZanWebBrowserEdge"};
 inline constexpr ComponentTrace kWebBrowserIETrace{"ZanWebBrowserIE"};
 

@@ -14,21 +14,31 @@ if not __package__:
     # Run as a folder, which the interpreter has put on the path: the package is found one folder further up.
     sys.path[0] = str(Path(__file__).resolve().parent.parent)
 
+from document_server.balancer import Balancer
 from document_server.certificate import CertificateError, self_signed_context
 from document_server.request_log import RequestLog
 from document_server.routes import ROUTES, respond
 from document_server.server import HOST, Server
-from document_server.site import Site
+from document_server.site import DEFAULT_LOGIN_PAGE, Site
+from document_server.viewer_login import LOGIN_PAGES
 
 PROGRAM = "document_server"
 END_SIGNALS = (signal.SIGTERM, signal.SIGINT)
 PARENT_CHECK_SECONDS = 0.2
+MOST_BACK_ENDS = 100
 
 
 def port_number(text: str) -> int:
     """The value of --port."""
     if not text.isascii() or not text.isdigit() or len(text) > 5 or int(text) > 65535:
         raise argparse.ArgumentTypeError(f"{text!r} is not a number from 0 to 65535")
+    return int(text)
+
+
+def back_end_count(text: str) -> int:
+    """The value of --back-ends."""
+    if not text.isascii() or not text.isdigit() or len(text) > 3 or not 1 <= int(text) <= MOST_BACK_ENDS:
+        raise argparse.ArgumentTypeError(f"{text!r} is not a number from 1 to {MOST_BACK_ENDS}")
     return int(text)
 
 
@@ -69,6 +79,14 @@ def command_line() -> argparse.ArgumentParser:
                         help="the user's password (default: %(default)s)")
     parser.add_argument("--realm", type=header_text, default="kelda documents",
                         help="realm of the challenges (default: %(default)s)")
+    parser.add_argument("--login-page", choices=LOGIN_PAGES, default=DEFAULT_LOGIN_PAGE, metavar="KIND",
+                        help="kind of a viewer's login page: form (the default), silent and twice are a form "
+                             "after which the session is reported once, never or twice; report logs in and "
+                             "reports without any input; broken closes the connection without an answer; "
+                             "refused-status answers 500")
+    parser.add_argument("--back-ends", type=back_end_count, metavar="N",
+                        help="put a load balancer with so many back-ends before the server, each with "
+                             "sessions of its own; without this there is none")
     parser.add_argument("--log", type=Path, metavar="FILE",
                         help="append one line with a JSON object to FILE for every request")
     parser.add_argument("--tls", action="store_true",
@@ -94,7 +112,9 @@ def open_server(options: argparse.Namespace) -> Server:
         log = RequestLog(options.log)
     with reported("cannot make a certificate"):
         tls = self_signed_context() if options.tls else None
-    site = Site(options.user, options.password, options.realm, secure=options.tls, log=log)
+    site = Site(options.user, options.password, options.realm, secure=options.tls, log=log,
+                login_page=options.login_page,
+                balancer=Balancer(options.back_ends) if options.back_ends else None)
     with reported(f"cannot listen on {HOST}:{options.port}"):
         return Server(options.port, site, respond, tls)
 

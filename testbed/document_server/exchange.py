@@ -5,6 +5,7 @@ from email.message import Message
 from http.client import responses
 from urllib.parse import parse_qs
 
+from .balancer import POOL_COOKIE
 from .credentials import basic_credentials, same_credentials, scheme_only
 from .site import Site
 
@@ -53,6 +54,7 @@ class Exchange:
         self._logged = False
         self.path, _, query = target.partition("?")
         self._options = parse_qs(query, keep_blank_values=True)
+        self.back_end, self._balancer_headers = site.back_end(self.cookie(POOL_COOKIE))
 
     def option(self, name: str, default: str = "") -> str:
         """A value from the query."""
@@ -139,10 +141,11 @@ class Exchange:
             "authorization": scheme_only(authorization),
             "user": credentials.user.decode("utf-8", "backslashreplace") if credentials else None,
             "credentials_accepted": self.credentials_accepted,
+            "back_end": self.back_end.name,
         })
 
     def _head(self, status: int, headers: Headers) -> bytes:
         lines = [f"HTTP/1.1 {status} {responses.get(status, '')}", "Server: document_server"]
-        lines += [f"{name}: {value}" for name, value in headers]
+        lines += [f"{name}: {value}" for name, value in [*headers, *self._balancer_headers]]
         lines += [f"Connection: {'keep-alive' if self.keep_alive else 'close'}", "", ""]
         return "\r\n".join(lines).encode("latin-1")

@@ -1,4 +1,4 @@
-"""The web login: a form that opens a session, and documents that only a session gets."""
+"""The web login: its pages, a form that opens a session, and documents that only a session gets."""
 
 import html
 import re
@@ -7,7 +7,7 @@ from urllib.parse import quote
 from .credentials import BasicCredentials, same_credentials
 from .documents import DEFAULT_SIZE, MAXIMUM_SIZE, document
 from .exchange import BINARY, HTML, Exchange, Refusal
-from .sessions import COOKIE_NAME
+from .session_cookie import admits_session, end_session, has_session, open_session
 
 FORM_PATH = "/login/form"
 HOME_PATH = "/"
@@ -15,53 +15,16 @@ HOME_PATH = "/"
 # Browsers read a backslash like a slash and drop control characters: either could make a host out of a path.
 LOCAL_PATH = re.compile(r"/(?![/\\])[!-\[\]-~]*")
 
-# Tests tell the page by its colours; the name stands on a band of this height (in pixels) across the top.
+# Tests tell the pages by their colours: the form, the form after a wrong password, and what follows the right one.
+# The name stands on a band of this height (in pixels) across the top.
 PAGE_COLOUR = "#e8eef4"
+WRONG_PAGE_COLOUR = "#f6dcc8"
+DONE_PAGE_COLOUR = "#d0ecd0"
 BAND_COLOUR = "#1f4e79"
 BAND_HEIGHT = 64
 
-FORM = f"""<!DOCTYPE html>
-<html lang="en">
-<head><meta charset="utf-8"><title>Document server login</title>
-<style>
-body {{{{ margin: 0; background: {PAGE_COLOUR}; font: 16px sans-serif; }}}}
-h1 {{{{ margin: 0; padding: 0 24px; background: {BAND_COLOUR}; color: white;
-      font-size: 22px; line-height: {BAND_HEIGHT}px; }}}}
-form, .error {{{{ margin: 24px; }}}}
-.error {{{{ color: #a4262c; }}}}
-label {{{{ display: inline-block; }}}}
-input, button {{{{ font: inherit; padding: 6px 10px; }}}}
-</style></head>
-<body>
-<h1>Document server login</h1>
-{{error}}<form method="post">
-<p><label>User <input name="user" autofocus></label></p>
-<p><label>Password <input name="password" type="password"></label></p>
-<input type="hidden" name="next" value="{{next}}">
-<p><button>Log in</button></p>
-</form>
-</body>
-</html>
-"""
-
-
-# The object behind the member is called twice: only the first call is to count.
-REPORT = """<!DOCTYPE html>
-<html lang="en">
-<head><meta charset="utf-8"><title>Logged in</title></head>
-<body><h1>Logged in</h1>
-<script>
-window.external.norv();
-window.external.norv();
-</script>
-</body>
-</html>
-"""
-
-
-def report(exchange: Exchange) -> None:
-    """A page whose script reports a session to the host object of the browser that shows it."""
-    exchange.answer(200, REPORT, content_type=HTML)
+WRONG = '<p class="error">Wrong user name or password.</p>\n'
+REPORT_CALL = "window.external.norv();\n"
 
 
 def login_form(exchange: Exchange) -> None:
@@ -70,14 +33,20 @@ def login_form(exchange: Exchange) -> None:
     next_path = exchange.form_field("next") or exchange.option("next") or HOME_PATH
     if not LOCAL_PATH.fullmatch(next_path):
         raise Refusal(400, "next must be a local path.\n")
-    if exchange.method != "POST":
-        _show_form(exchange, next_path)
-    elif _form_has_credentials(exchange):
-        identifier = exchange.site.sessions.open(exchange.site.user)
-        cookie = f"{COOKIE_NAME}={identifier}; Path=/; HttpOnly{'; Secure' if exchange.site.secure else ''}"
-        exchange.answer(302, headers=[("Location", next_path), ("Set-Cookie", cookie)])
+    if exchange.method == "POST" and form_has_credentials(exchange):
+        exchange.answer(302, headers=[("Location", next_path), open_session(exchange)])
     else:
-        _show_form(exchange, next_path, '<p class="error">Wrong user name or password.</p>\n')
+        show_form(exchange, f'<input type="hidden" name="next" value="{html.escape(next_path)}">\n')
+
+
+def report(exchange: Exchange) -> None:
+    """A page whose script reports a session twice to the host object of the browser that shows it."""
+    exchange.answer(200, done_page(reports=2), content_type=HTML)
+
+
+def logout(exchange: Exchange) -> None:
+    """Ends the session of the request and takes its cookie back."""
+    exchange.answer(200, "Logged out.\n", [end_session(exchange)])
 
 
 def session_document(exchange: Exchange, name: str) -> None:
@@ -89,9 +58,10 @@ def session_document(exchange: Exchange, name: str) -> None:
         exchange.answer(302, headers=[("Location", location)])
 
 
-def has_session(exchange: Exchange) -> bool:
-    """Whether the request carries the cookie of a session."""
-    return exchange.site.sessions.user(exchange.cookie(COOKIE_NAME)) is not None
+def guarded_document(exchange: Exchange, name: str) -> None:
+    """A document of ?size=N bytes (default 70000) for a session; others get 403."""
+    if admits_session(exchange):
+        answer_document(exchange, name)
 
 
 def answer_document(exchange: Exchange, name: str) -> None:
@@ -100,11 +70,47 @@ def answer_document(exchange: Exchange, name: str) -> None:
     exchange.answer(200, document(name, size), content_type=BINARY)
 
 
-def _show_form(exchange: Exchange, next_path: str, error: str = "") -> None:
-    exchange.answer(200, FORM.format(error=error, next=html.escape(next_path)), content_type=HTML)
-
-
-def _form_has_credentials(exchange: Exchange) -> bool:
+def form_has_credentials(exchange: Exchange) -> bool:
+    """Whether the form that was posted holds the user's name and password."""
     user, password = exchange.form_field("user"), exchange.form_field("password")
     return same_credentials(BasicCredentials(user.encode(), password.encode()),
                             exchange.site.user, exchange.site.password)
+
+
+def show_form(exchange: Exchange, hidden_fields: str = "") -> None:
+    """Answers the form; to a form that was posted it says that the credentials were wrong."""
+    wrong = exchange.method == "POST"
+    form = f"""<form method="post">
+<p><label>User <input name="user" autofocus></label></p>
+<p><label>Password <input name="password" type="password"></label></p>
+{hidden_fields}<p><button>Log in</button></p>
+</form>
+"""
+    exchange.answer(200, _page("Document server login", WRONG_PAGE_COLOUR if wrong else PAGE_COLOUR,
+                               WRONG + form if wrong else form), content_type=HTML)
+
+
+def done_page(reports: int) -> str:
+    """The page that follows a login; its script reports the session so many times to the host object."""
+    script = f"<script>\n{REPORT_CALL * reports}</script>\n" if reports else ""
+    return _page("Logged in", DONE_PAGE_COLOUR, script)
+
+
+def _page(name: str, colour: str, content: str) -> str:
+    return f"""<!DOCTYPE html>
+<html lang="en">
+<head><meta charset="utf-8"><title>{name}</title>
+<style>
+body {{ margin: 0; background: {colour}; font: 16px sans-serif; }}
+h1 {{ margin: 0; padding: 0 24px; background: {BAND_COLOUR}; color: white;
+     font-size: 22px; line-height: {BAND_HEIGHT}px; }}
+form, .error {{ margin: 24px; }}
+.error {{ color: #a4262c; }}
+label {{ display: inline-block; }}
+input, button {{ font: inherit; padding: 6px 10px; }}
+</style></head>
+<body>
+<h1>{name}</h1>
+{content}</body>
+</html>
+"""

@@ -10,7 +10,10 @@ from . import hostile
 from .credentials import basic_challenge, digest_challenge
 from .documents import filler, filler_in_pieces
 from .exchange import HTML, Exchange, whole_number
-from .login import FORM_PATH, answer_document, has_session, login_form, report, session_document
+from .login import (FORM_PATH, answer_document, guarded_document, login_form, logout, report,
+                    session_document)
+from .session_cookie import has_session
+from .viewer_login import access_check, login_page
 
 LARGEST_BODY = 10**15
 
@@ -160,9 +163,12 @@ ROUTES = (
     Route("/basic/status/CODE", basic_status),
     Route("/basic-unsatisfiable/...", basic_unsatisfiable),
     Route("/login/form", login_form, FORM_METHODS),
-    Route("/qxcore/jsp/qvs/vislogon.jsp", login_form, FORM_METHODS),
     Route("/login/report", report),
     Route("/login/documents/NAME", session_document),
+    Route("/logout", logout),
+    Route("/qxcore/jsp/qvs/vislogon.jsp", login_page, FORM_METHODS),
+    Route("/ARPublish/veltauth/check_authenticated_access.txt", access_check),
+    Route("/documents/NAME", guarded_document),
     Route("/mixed/documents/NAME", mixed_document),
     Route("/redirect/form", redirect_form),
     Route("/redirect/basic", redirect_basic),

@@ -20,6 +20,11 @@ class SessionTable:
             self._users[identifier] = user
         return identifier
 
+    def close(self, identifier: str | None) -> None:
+        """Ends a session, if there is one of that identifier."""
+        with self._lock:
+            self._users.pop(identifier or "", None)
+
     def user(self, identifier: str | None) -> str | None:
         """The user of a session, or None if there is no such session."""
         with self._lock:

@@ -105,7 +105,7 @@ const char* UsageText() {
            "  --output FILE   where the document goes; written only when all of it has arrived\n"
            "  --trace FILE    appends the trace to FILE; \"-\" writes it to stderr\n"
            "  --probe-only    probes and prompts, but opens no login dialog\n"
-           "  --prompt TEXT   first line of the credential prompt\n"
+           "  --prompt TEXT   first line of the credential prompt, start of the login dialog's title\n"
            "  --caption TEXT  caption of the credential prompt\n"
            "  --help          prints this\n"
            "\n"

@@ -3,6 +3,7 @@
 
 #include "challenge_moniker.h"
 #include "com_object.h"
+#include "cookie_functions.h"
 #include "credential_functions.h"
 #include "credential_prompt.h"
 #include "pending_credentials.h"
@@ -22,6 +23,9 @@ const Replacement kReplacements[] = {
     {"credui.dll", "CredPackAuthenticationBufferW", reinterpret_cast<void*>(&PackCredentials)},
     {"credui.dll", "CredUnPackAuthenticationBufferW", reinterpret_cast<void*>(&UnpackCredentials)},
     {"urlmon.dll", "CreateURLMoniker", reinterpret_cast<void*>(&CreateChallengeMoniker)},
+    {"wininet.dll", "InternetGetCookieEx2", reinterpret_cast<void*>(&GetCookies)},
+    {"wininet.dll", "InternetSetCookieEx2", reinterpret_cast<void*>(&SetCookie)},
+    {"wininet.dll", "InternetFreeCookies", reinterpret_cast<void*>(&FreeCookies)},
 };
 
 bool RunsOnWine() {

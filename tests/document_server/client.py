@@ -10,6 +10,9 @@ from tests.support.document_server import DocumentServer
 
 TIMEOUT_SECONDS = 10
 
+LOGIN_PAGE = "/qxcore/jsp/qvs/vislogon.jsp"
+ACCESS_CHECK = "/ARPublish/veltauth/check_authenticated_access.txt"
+
 
 class Answer(NamedTuple):
     """What came back for one request."""
@@ -76,12 +79,24 @@ def basic(user: str = "anna", password: str = "kelda-demo") -> dict[str, str]:
 
 
 def log_in(server: DocumentServer, form: str = "/login/form", user: str = "anna",
-           password: str = "kelda-demo", **fields: str) -> Answer:
+           password: str = "kelda-demo", headers: dict[str, str] | None = None, **fields: str) -> Answer:
     """The answer to the filled-in login form."""
-    return fetch(server, form, "POST", {"Content-Type": "application/x-www-form-urlencoded"},
+    return fetch(server, form, "POST",
+                 {"Content-Type": "application/x-www-form-urlencoded", **(headers or {})},
                  urlencode({"user": user, "password": password, **fields}))
+
+
+def cookies_set(answer: Answer) -> dict[str, str]:
+    """The values of the cookies that an answer sets, by their names."""
+    pairs = [header.partition(";")[0] for header in answer.headers.get_all("Set-Cookie", [])]
+    return dict(pair.split("=", 1) for pair in pairs)
+
+
+def cookie_header(cookies: dict[str, str]) -> dict[str, str]:
+    """The header that sends cookies back."""
+    return {"Cookie": "; ".join(f"{name}={value}" for name, value in cookies.items())}
 
 
 def session_cookie(server: DocumentServer) -> dict[str, str]:
     """The header with the cookie of a new session."""
-    return {"Cookie": log_in(server).headers["Set-Cookie"].partition(";")[0]}
+    return cookie_header(cookies_set(log_in(server)))

@@ -9,7 +9,6 @@ from document_server.documents import document
 from tests.document_server.case import ServerTest
 from tests.document_server.client import basic, fetch, log_in, session_cookie
 
-FORMS = ("/login/form", "/qxcore/jsp/qvs/vislogon.jsp")
 FOREIGN = ("https://elsewhere.example/", "//elsewhere.example/", "///elsewhere.example",
            "/\\elsewhere.example", "\\\\elsewhere.example", "elsewhere.example", "javascript:alert(1)",
            "/\t/elsewhere.example", "/a\r\nSet-Cookie: x=y", " /login/form", "/a\\..\\b", "/caf\u00e9")
@@ -22,37 +21,30 @@ def hidden_next(page: bytes) -> str:
 
 class WebLogin(ServerTest):
 
-    def test_both_paths_show_a_form_with_a_user_and_a_password(self) -> None:
-        for path in FORMS:
-            with self.subTest(path):
-                answer = fetch(self.server, path)
-                self.assertEqual(answer.status, 200)
-                self.assertEqual(answer.headers["Content-Type"], "text/html; charset=utf-8")
-                self.assertIn(b'<form method="post">', answer.body)
-                self.assertIn(b'<input name="user"', answer.body)
-                self.assertIn(b'<input name="password" type="password">', answer.body)
-                self.assertNotIn(b'class="error"', answer.body)
-                self.assertIsNone(answer.headers["Set-Cookie"])
+    def test_the_form_asks_for_a_user_and_a_password(self) -> None:
+        answer = fetch(self.server, "/login/form")
+        self.assertEqual(answer.status, 200)
+        self.assertEqual(answer.headers["Content-Type"], "text/html; charset=utf-8")
+        self.assertIn(b'<form method="post">', answer.body)
+        self.assertIn(b'<input name="user"', answer.body)
+        self.assertIn(b'<input name="password" type="password">', answer.body)
+        self.assertNotIn(b'class="error"', answer.body)
+        self.assertIsNone(answer.headers["Set-Cookie"])
 
-    def test_the_report_page_calls_the_host_object(self) -> None:
+    def test_the_report_page_calls_the_host_object_twice(self) -> None:
         answer = fetch(self.server, "/login/report")
         self.assertEqual((answer.status, answer.headers["Content-Type"]), (200, "text/html; charset=utf-8"))
-        self.assertIn(b"window.external.norv();", answer.body)
+        self.assertEqual(answer.body.count(b"window.external.norv();"), 2)
 
     def test_the_right_password_opens_a_session_and_leads_to_the_next_path(self) -> None:
-        for path in FORMS:
-            with self.subTest(path):
-                answer = log_in(self.server, path, next="/basic/documents/plan?size=3")
-                self.assertEqual(answer.status, 302)
-                self.assertEqual(answer.headers["Location"], "/basic/documents/plan?size=3")
-                self.assertRegex(answer.headers["Set-Cookie"], r"^JSESSIONID=[\w-]{32}; Path=/; HttpOnly$")
+        answer = log_in(self.server, next="/basic/documents/plan?size=3")
+        self.assertEqual(answer.status, 302)
+        self.assertEqual(answer.headers["Location"], "/basic/documents/plan?size=3")
+        self.assertRegex(answer.headers["Set-Cookie"], r"^JSESSIONID=[\w-]{32}; Path=/; HttpOnly$")
 
     def test_the_next_path_may_come_in_the_query_and_is_home_by_default(self) -> None:
         self.assertEqual(log_in(self.server, "/login/form?next=/empty").headers["Location"], "/empty")
         self.assertEqual(log_in(self.server).headers["Location"], "/")
-
-    def test_every_login_gets_a_session_of_its_own(self) -> None:
-        self.assertNotEqual(session_cookie(self.server), session_cookie(self.server))
 
     def test_a_wrong_password_shows_the_form_again_with_an_error_and_no_session(self) -> None:
         for user, password in (("anna", "wrong"), ("anna", ""), ("", "kelda-demo"), ("bert", "kelda-demo")):

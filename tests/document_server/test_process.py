@@ -16,6 +16,7 @@ from pathlib import Path
 
 from document_server.__main__ import command_line
 from document_server.routes import ROUTES
+from document_server.viewer_login import LOGIN_PAGES
 
 from tests.document_server.client import fetch, raw_connection
 from tests.support.document_server import PROGRAM, DocumentServer
@@ -58,9 +59,27 @@ class Start(unittest.TestCase):
                 self.assertIn(f"\n| `{route.pattern}` | ", readme)
                 self.assertTrue(route.summary)
 
+    def test_the_readme_names_every_option(self) -> None:
+        readme = (PROGRAM / "README.md").read_text("utf-8")
+        options = re.findall(r"(?m)^  (?:-\w, )?(--[a-z-]+)", run("--help").stdout)
+        self.assertIn("--port", options)
+        for option in options:
+            with self.subTest(option):
+                self.assertRegex(readme, rf"[` ]{option}[` ]")
+
+    def test_help_and_readme_list_every_kind_of_login_page(self) -> None:
+        readme = (PROGRAM / "README.md").read_text("utf-8")
+        usage = " ".join(run("--help").stdout.split())
+        for kind in LOGIN_PAGES:
+            with self.subTest(kind):
+                self.assertIn(f"\n| `{kind}` | ", readme)
+                self.assertRegex(usage, rf"kind of a viewer's login page:.*\b{kind}\b.*--back-ends N put")
+
     def test_wrong_options_give_the_usage_and_status_2(self) -> None:
         for options in (("--port", "x"), ("--port", "65536"), ("--port", "-1"), ("--port",),
-                        ("--user", "a:b"), ("--realm", "a\r\nb"), ("--tls=yes",), ("surplus",)):
+                        ("--user", "a:b"), ("--realm", "a\r\nb"), ("--tls=yes",), ("surplus",),
+                        ("--login-page", "Form"), ("--login-page", ""), ("--back-ends", "0"),
+                        ("--back-ends", "101"), ("--back-ends", "-1"), ("--back-ends", "two")):
             with self.subTest(options), redirect_stderr(io.StringIO()) as errors:
                 with self.assertRaises(SystemExit) as exit_of:
                     command_line().parse_args(options)

@@ -30,7 +30,8 @@ class RequestLog(ServerTest):
             "method": "GET", "path": "/status/404?a=b&c=%20", "status": 404,
             "headers": {"Host": f"127.0.0.1:{self.server.port}", "User-Agent": "test", "Accept": "*/*",
                         "Accept-Encoding": "identity"},
-            "authorization": None, "user": None, "credentials_accepted": None})
+            "authorization": None, "user": None, "credentials_accepted": None,
+            "back_end": None})
         self.assertEqual(number, len(self.server.requests()))
 
     def test_the_headers_that_matter_are_logged_as_sent(self) -> None:

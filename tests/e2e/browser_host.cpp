@@ -1,40 +1,45 @@
 // A host with a browser of the library's in a child window. It does what it is told on its standard input, a command a line,
-// and answers each but the last two with a line; what the browser reports comes as "event" lines in between.
+// also while the library runs a dialog, and answers each but the last two with a line; what happens by itself comes as
+// "event" lines in between.
 //
 //   create             a browser by the factory, with COM initialised, in the child window
 //   resize W H         the child window, and the browser in it
 //   close, release     Destroy; letting go of the browser
 //   close-release      both, with no message loop in between
-//   counts             handles, windows, and objects of the test runtime
+//   login              AuthenticateServer; its result comes as an event
+//   owner              the owner window of the login: enabled or disabled, active or inactive
+//   get PATH           a download from the server: how many bytes, or what went wrong
+//   counts             handles, windows, GDI objects, and objects of the test runtime
 //   area               the child window on the screen: left, top, width, height
 //   read NAME          a variable of the environment, as the host's library reads it
 //   die                ends like a crash
 //   quit
 #include <cstdio>
-#include <iostream>
+#include <functional>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
-#include <thread>
 
 #include <windows.h>
 
 #include "dp/environment.h"
 #include "du/string_utilities.h"
+#include "host_reference/device.h"
 #include "host_reference/tracing.h"
 #include "kelda/kelda.h"
-#include "tests/e2e/process_counts.h"
+#include "testbed/viewer/download.h"
+#include "testbed/windows_gaps/windows_gaps.h"
+#include "tests/e2e/command_input.h"
+#include "tests/support/process_counts.h"
 
 namespace {
 
-constexpr UINT kCommandMessage = WM_APP + 1;
+using e2e::Say;
 
-void Say(const std::string& line) {
-    std::printf("%s\n", line.c_str());
-    std::fflush(stdout);
-}
+constexpr const char* kOwnerDevice = "browser_host";
 
-class Owner final : public kelda::ZanWebBrowser::Callback {
+class Listener final : public kelda::ZanWebBrowser::Callback {
   public:
     void OnNavigationCompleted() override { Say("event completed"); }
     void OnSessionAuthenticated() override { Say("event authenticated"); }
@@ -67,53 +72,77 @@ class Host {
         std::istringstream words(line);
         std::string command;
         words >> command;
-        if (command == "create") {
-            return Create();
-        }
-        if (command == "resize") {
-            int width = 0;
-            int height = 0;
-            words >> width >> height;
-            SetWindowPos(area_, nullptr, 20, 10, width, height, SWP_NOZORDER);
-            browser_->Resize();
-            return "ok";
-        }
-        if (command == "close") {
-            browser_->Destroy();
-            return "ok";
-        }
-        if (command == "release") {
-            browser_.reset();
-            return "ok";
-        }
-        if (command == "close-release") {
-            browser_->Destroy();
-            browser_.reset();
-            return "ok";
-        }
-        if (command == "counts") {
-            return Counts();
-        }
-        if (command == "area") {
-            RECT area{};
-            GetWindowRect(area_, &area);
-            return std::to_string(area.left) + " " + std::to_string(area.top) + " " +
-                   std::to_string(area.right - area.left) + " " + std::to_string(area.bottom - area.top);
-        }
-        if (command == "read") {
-            std::string name;
-            words >> name;
-            return "value " + dp::Environment::Get(name.c_str());
-        }
-        return "no such command";
+        const auto found = commands_.find(command);
+        return found == commands_.end() ? "no such command" : found->second(words);
     }
 
   private:
     std::string Create() {
         browser_ = kelda::ZanWebBrowser::Factory(server_.c_str(), checkMode_);
         browser_->InitializeCom();
-        browser_->Create(&owner_, area_);
+        browser_->Create(&listener_, area_);
         return dynamic_cast<kelda::ZanWebBrowserEdge*>(browser_.get()) != nullptr ? "webview2" : "legacy";
+    }
+
+    std::string Resize(std::istream& words) {
+        int width = 0;
+        int height = 0;
+        words >> width >> height;
+        SetWindowPos(area_, nullptr, 20, 10, width, height, SWP_NOZORDER);
+        browser_->Resize();
+        return "ok";
+    }
+
+    std::string Close() {
+        browser_->Destroy();
+        return "ok";
+    }
+
+    std::string Release() {
+        browser_.reset();
+        return "ok";
+    }
+
+    /// Runs the dialog's message loop, from which further commands come.
+    std::string Login() {
+        host_reference::CreateOwnerDevice(kOwnerDevice, L"owner"); // the first time
+        Say("ok");
+        const bool loggedIn =
+            kelda::AuthenticateServer(L"Log in", L"Host", kOwnerDevice, server_.c_str(), nullptr);
+        return loggedIn ? "event login true" : "event login false";
+    }
+
+    static std::string Owner() {
+        HWND owner = nullptr;
+        ui_do_operation(kOwnerDevice, kOwnerDevice, kUiOperationGetNativeWindow, 0,
+                        static_cast<void*>(&owner), 0);
+        return std::string(IsWindowEnabled(owner) != FALSE ? "enabled" : "disabled") +
+               (GetActiveWindow() == owner ? " active" : " inactive");
+    }
+
+    std::string Download(std::istream& words) const {
+        std::string path;
+        words >> path;
+        std::wstring folder(MAX_PATH, L'\0');
+        folder.resize(GetTempPathW(MAX_PATH, folder.data()));
+        const std::wstring file = folder + L"browser_host_" + std::to_wstring(GetCurrentProcessId());
+        const viewer::DownloadResult result = viewer::Download(server_ + path, file);
+        DeleteFileW(file.c_str());
+        return result.outcome == viewer::DownloadOutcome::Done ? std::to_string(result.bytes) + " bytes"
+                                                               : result.reason;
+    }
+
+    std::string Area() const {
+        RECT area{};
+        GetWindowRect(area_, &area);
+        return std::to_string(area.left) + " " + std::to_string(area.top) + " " +
+               std::to_string(area.right - area.left) + " " + std::to_string(area.bottom - area.top);
+    }
+
+    static std::string Read(std::istream& words) {
+        std::string name;
+        words >> name;
+        return "value " + dp::Environment::Get(name.c_str());
     }
 
     /// -1 objects where the test runtime has never been loaded.
@@ -126,48 +155,33 @@ class Host {
                 reinterpret_cast<void*>(GetProcAddress(runtime, "KeldaTestRuntimeObjectCount")));
             objects = count != nullptr ? static_cast<int>(count()) : -1;
         }
-        return std::to_string(e2e::CountHandles()) + " " + std::to_string(e2e::CountWindows()) + " " +
-               std::to_string(objects);
+        return std::to_string(test_support::CountHandles()) + " " +
+               std::to_string(test_support::CountWindows()) + " " +
+               std::to_string(test_support::CountGdiObjects()) + " " + std::to_string(objects);
     }
 
     std::string server_;
     int checkMode_;
     HWND window_ = nullptr;
     HWND area_ = nullptr;
-    Owner owner_;
+    Listener listener_;
     std::shared_ptr<kelda::ZanWebBrowser> browser_;
+
+    using Command = std::function<std::string(std::istream&)>;
+    const std::map<std::string, Command> commands_ = {
+        {"create", [this](std::istream&) { return Create(); }},
+        {"resize", [this](std::istream& words) { return Resize(words); }},
+        {"close", [this](std::istream&) { return Close(); }},
+        {"release", [this](std::istream&) { return Release(); }},
+        {"close-release", [this](std::istream&) { return Close(), Release(); }},
+        {"login", [this](std::istream&) { return Login(); }},
+        {"owner", [](std::istream&) { return Owner(); }},
+        {"get", [this](std::istream& words) { return Download(words); }},
+        {"counts", [](std::istream&) { return Counts(); }},
+        {"area", [this](std::istream&) { return Area(); }},
+        {"read", [](std::istream& words) { return Read(words); }},
+    };
 };
-
-/// Passes the lines of the standard input to the thread that runs the host; its end is a "quit".
-void ReadCommands(DWORD hostThread) {
-    std::string line;
-    while (std::getline(std::cin, line)) {
-        if (!line.empty() && line.back() == '\r') {
-            line.pop_back();
-        }
-        PostThreadMessageW(hostThread, kCommandMessage, 0,
-                           reinterpret_cast<LPARAM>(new std::string(line))); // owned by the receiver
-    }
-    PostThreadMessageW(hostThread, kCommandMessage, 0, reinterpret_cast<LPARAM>(new std::string("quit")));
-}
-
-void Run(Host& host) {
-    MSG message{};
-    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-        if (message.hwnd == nullptr && message.message == kCommandMessage) {
-            const std::unique_ptr<std::string> line(reinterpret_cast<std::string*>(message.lParam));
-            if (*line == "quit") {
-                return;
-            }
-            if (*line == "die") {
-                TerminateProcess(GetCurrentProcess(), 1);
-            }
-            Say(host.Obey(*line));
-        }
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-}
 
 } // namespace
 
@@ -176,14 +190,10 @@ int wmain(int argc, wchar_t** argv) {
         std::fprintf(stderr, "usage: browser_host SERVER CHECK_MODE TRACE_FILE\n");
         return 2;
     }
-    MSG message{};
-    PeekMessageW(&message, nullptr, WM_USER, WM_USER,
-                 PM_NOREMOVE); // the queue has to be there before the reader
+    SupplyWindowsGaps(GetModuleHandleW(L"kelda.dll"));
     {
         Host host(du::WideStrToUtf8(argv[1]), std::stoi(argv[2]));
-        std::thread(&ReadCommands, GetCurrentThreadId()).detach();
-        Say("ready");
-        Run(host);
+        e2e::RunCommands([&](const std::string& line) { return host.Obey(line); });
     }
     ExitProcess(0); // the reader may still wait for input
 }

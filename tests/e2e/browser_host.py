@@ -71,10 +71,10 @@ class BrowserHost:
             self._sort(line)
         self._events.remove(event)
 
-    def counts(self) -> tuple[int, int, int]:
-        """Handles, windows, and objects of the test runtime."""
-        handles, windows, objects = self.tell("counts").split()
-        return int(handles), int(windows), int(objects)
+    def counts(self) -> tuple[int, int, int, int]:
+        """Handles, windows, GDI objects, and objects of the test runtime."""
+        handles, windows, graphics, objects = self.tell("counts").split()
+        return int(handles), int(windows), int(graphics), int(objects)
 
     def kill(self) -> None:
         """Ends the program as a crash would, with no chance to clean up."""

@@ -4,8 +4,8 @@ import os
 import shutil
 from pathlib import Path
 
+from tests.e2e.browser_case import BrowserCase
 from tests.e2e.browser_host import BrowserHost, await_condition, browser_processes
-from tests.e2e.test_browser_in_a_window import BrowserCase
 from tests.flow.viewer_case import windows_path
 
 FOUND = "[0] WebView2 runtime found, version "

@@ -130,11 +130,6 @@ class NoChallenge(ViewerCase):
         self.assertEqual(run.trace, [*begun("login/form"), completed(1), CREATED])
         self.assertEqual(run.prompts, [])
 
-    def test_a_login_form_makes_the_whole_authentication_false_as_there_is_no_dialog_yet(self) -> None:
-        run = self.run_viewer("--server", self.server_url, "--path", "login/form")
-        self.assertEqual(run.exit_code, 3)
-        self.assertIn("web login form", run.last_line)
-
     def test_a_redirect_to_a_login_form_means_a_login_form(self) -> None:
         run = self.probe("redirect/form")
         self.assertEqual(run.exit_code, FORM)

@@ -6,6 +6,7 @@
 
 #include "host_reference/device.h"
 #include "toolkit/device_registry.h"
+#include "toolkit/module.h"
 #include "toolkit/results.h"
 
 namespace host_reference {
@@ -24,39 +25,21 @@ using UniqueWindow = std::unique_ptr<HWND__, WindowDestroyer>;
 LRESULT CALLBACK OwnerWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     // The last message that a window gets, whichever way it goes: destroyed by us or closed by the user.
     if (message == WM_NCDESTROY) {
-        DeviceRegistry::Instance().Forget(window);
+        DeviceRegistry::Instance().ForgetOwner(window);
     }
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-// The class keeps the address of our procedure until the process ends, so this module has to stay as long.
-HMODULE PinnedModule() {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
-                       kWindowClassName, &module);
-    return module;
-}
-
-bool RegisterOwnerClass(HMODULE module) {
-    WNDCLASSEXW windowClass = {};
-    windowClass.cbSize = sizeof(windowClass);
-    windowClass.lpfnWndProc = OwnerWindowProcedure;
-    windowClass.hInstance = module;
-    windowClass.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
-    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    windowClass.hbrBackground = GetSysColorBrush(COLOR_WINDOW);
-    windowClass.lpszClassName = kWindowClassName;
-    return RegisterClassExW(&windowClass) != 0;
-}
-
 UniqueWindow CreateOwnerWindow(const wchar_t* title) {
-    static HMODULE module = PinnedModule();
-    static const bool registered = RegisterOwnerClass(module);
+    static const bool registered =
+        RegisterWindowClass(kWindowClassName, OwnerWindowProcedure, GetSysColorBrush(COLOR_WINDOW),
+                            LoadIconW(nullptr, IDI_APPLICATION));
     if (!registered) {
         return nullptr;
     }
     return UniqueWindow(CreateWindowExW(0, kWindowClassName, title, WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
-                                        CW_USEDEFAULT, kWidth, kHeight, nullptr, nullptr, module, nullptr));
+                                        CW_USEDEFAULT, kWidth, kHeight, nullptr, nullptr, PinnedModule(),
+                                        nullptr));
 }
 
 } // namespace
@@ -66,7 +49,7 @@ int CreateOwnerDevice(const char* name, const wchar_t* title) {
         return kMissingArgument;
     }
     DeviceRegistry& registry = DeviceRegistry::Instance();
-    if (registry.Find(name) != nullptr) {
+    if (registry.Knows(name)) {
         return kNameTaken;
     }
     UniqueWindow window = CreateOwnerWindow(title);
@@ -74,7 +57,7 @@ int CreateOwnerDevice(const char* name, const wchar_t* title) {
         return kSystemRefused;
     }
     try {
-        registry.Add(name, window.get());
+        registry.AddOwner(name, window.get());
     } catch (const std::bad_alloc&) {
         return kOutOfMemory;
     }
@@ -87,7 +70,7 @@ int DestroyOwnerDevice(const char* name) {
     if (name == nullptr) {
         return kMissingArgument;
     }
-    HWND window = DeviceRegistry::Instance().Find(name);
+    HWND window = DeviceRegistry::Instance().FindOwner(name);
     if (window == nullptr) {
         return kUnknownDevice;
     }

@@ -11,5 +11,10 @@ inline constexpr int kMissingArgument = 4;
 inline constexpr int kNameTaken = 5;
 inline constexpr int kSystemRefused = 6; ///< The system would not make or destroy the window.
 inline constexpr int kOutOfMemory = 7;
+inline constexpr int kBadDescription = 8; ///< The trace says why.
+inline constexpr int kUnknownAttribute = 9;
+inline constexpr int kUnknownAction = 10;
+inline constexpr int kValueOutOfRange = 11;
+inline constexpr int kWrongOrder = 12; ///< Not at this stage of the device's life.
 
 } // namespace host_reference

@@ -1,24 +1,16 @@
 // Fakes of the events' arguments; tests set what they say and read what handlers decided.
 #pragma once
 
-#include <cwchar>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include <objbase.h>
 #include <wrl/client.h>
 
+#include "tests/support/webview2/com_copy.h"
 #include "tests/support/webview2/fake_runtime_object.h"
 
 namespace test_support {
-
-/// A copy for a caller who frees it.
-inline wchar_t* ComCopy(const std::wstring& text) {
-    auto* const copy = static_cast<wchar_t*>(CoTaskMemAlloc((text.size() + 1) * sizeof(wchar_t)));
-    wcscpy_s(copy, text.size() + 1, text.c_str());
-    return copy;
-}
 
 class FakeNavigationStartingArgs final : public FakeRuntimeObject<ICoreWebView2NavigationStartingEventArgs> {
   public:

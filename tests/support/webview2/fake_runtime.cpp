@@ -58,6 +58,9 @@ FakeRuntime::~FakeRuntime() {
     ExpectLast(environmentCreated, "the environment's completion");
     ExpectLast(controllerCreated, "the controller's completion");
     ExpectLast(webView.scriptAdded, "the script's completion");
+    for (auto& handler : webView.cookiesAsked) {
+        ExpectLast(handler, "the cookies' completion");
+    }
     ExpectLast(options, "the environment options");
     while (!webView.handlers.empty()) {
         webView.Drop(std::string(webView.handlers.begin()->first));
@@ -92,6 +95,19 @@ HRESULT FakeRuntime::CompleteScript(HRESULT result, const wchar_t* id) {
     auto handler = std::exchange(webView.scriptAdded, nullptr);
     const HRESULT answer = handler->Invoke(result, id);
     ExpectLast(handler, "the script's completion");
+    return answer;
+}
+
+HRESULT FakeRuntime::CompleteCookies(const std::vector<std::optional<CookieContent>>& cookies,
+                                     HRESULT result) {
+    ComPtr<FakeCookieList> list;
+    if (SUCCEEDED(result)) {
+        list = MakeFake<FakeCookieList>(script, cookies);
+    }
+    auto handler = std::exchange(webView.cookiesAsked.at(0), nullptr);
+    webView.cookiesAsked.erase(webView.cookiesAsked.begin());
+    const HRESULT answer = handler->Invoke(result, list.Get());
+    ExpectLast(handler, "the cookies' completion");
     return answer;
 }
 

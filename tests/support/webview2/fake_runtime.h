@@ -2,7 +2,9 @@
 // links no loader.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include <wrl/client.h>
 
@@ -40,6 +42,10 @@ class FakeRuntime {
     HRESULT CompleteEnvironment(HRESULT result = S_OK);
     HRESULT CompleteController(HRESULT result = S_OK);
     HRESULT CompleteScript(HRESULT result = S_OK, const wchar_t* id = L"script-1");
+
+    /// Answers the oldest call for cookies with a list of `cookies`, or with none where the result is a failure.
+    HRESULT CompleteCookies(const std::vector<std::optional<CookieContent>>& cookies = {},
+                            HRESULT result = S_OK);
 
     // What the loader's functions do while this runtime is there.
     HRESULT GetVersion(const wchar_t* browserFolder, wchar_t** result);

@@ -8,6 +8,7 @@
 
 #include <wrl/client.h>
 
+#include "tests/support/webview2/fake_cookies.h"
 #include "tests/support/webview2/fake_runtime_object.h"
 
 namespace test_support {
@@ -19,6 +20,8 @@ struct FakeWebViewState {
 
     /// The completion of the document script, until the test calls it.
     Microsoft::WRL::ComPtr<ICoreWebView2AddScriptToExecuteOnDocumentCreatedCompletedHandler> scriptAdded;
+
+    CookiesAsked cookiesAsked;
 
     /// The host object while it is exposed, as script would use it.
     Microsoft::WRL::ComPtr<IDispatch> hostObject;
@@ -64,11 +67,6 @@ class FakeSettings final : public FakeRuntimeObject<ICoreWebView2Settings3> {
     }
 };
 
-class FakeCookieManager final : public FakeRuntimeObject<ICoreWebView2CookieManager> {
-  public:
-    using FakeRuntimeObject::FakeRuntimeObject;
-};
-
 class FakeWebView final : public FakeRuntimeObject<ICoreWebView2_15> {
   public:
     FakeWebView(RuntimeScript& script, FakeWebViewState& state, std::string name)
@@ -88,7 +86,7 @@ class FakeWebView final : public FakeRuntimeObject<ICoreWebView2_15> {
     }
     HRESULT STDMETHODCALLTYPE get_CookieManager(ICoreWebView2CookieManager** manager) override {
         return GiveObject(
-            "get_CookieManager", "", [this] { return new FakeCookieManager(Script(), "cookieManager"); },
+            "get_CookieManager", "", [this] { return new FakeCookieManager(Script(), state_.cookiesAsked); },
             manager);
     }
 

@@ -1,20 +1,24 @@
-// What the tests of the WebView2 backend share: a browser on a fake runtime, in a window that only answers its size.
+// What the tests of the WebView2 backend share: a browser on a fake runtime, in a window that only answers its size, with a
+// cookie store and a toolkit's timers that the test plays.
 #pragma once
 
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <windows.h>
 
 #include <objbase.h>
 
 #include "kelda/kelda.h"
+#include "tests/support/fake_win_inet_store.h"
 #include "tests/support/freed_blocks.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/scoped_variable.h"
 #include "tests/support/transcript.h"
 #include "tests/support/webview2/fake_runtime.h"
+#include "ui/ui.h"
 
 namespace kelda {
 
@@ -22,6 +26,15 @@ constexpr const wchar_t* kImplementationVariable = L"MERIDO_ZANWEBBROWSER_IMPLEM
 constexpr const wchar_t* kBrowserFolderVariable = L"MERIDO_WEBVIEW2_BROWSER_EXECUTABLE_FOLDER";
 constexpr const wchar_t* kUserDataFolderVariable = L"MERIDO_WEBVIEW2_USER_DATA_FOLDER";
 constexpr const wchar_t* kPreferencesVariable = L"MERIDO_USER_PREFS_LOCAL_DIR";
+
+/// The read that looks for a load balancer's cookies before the login page is asked for.
+constexpr const char* kReadsStore =
+    "InternetGetCookieEx2 http://server/qxcore/jsp/qvs/vislogon.jsp name=(null) with 0x00001000";
+
+inline test_support::Lines operator+(test_support::Lines first, const test_support::Lines& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
 
 class RecordingOwner final : public ZanWebBrowser::Callback {
   public:
@@ -33,6 +46,16 @@ class RecordingOwner final : public ZanWebBrowser::Callback {
 class EdgeBrowserTest : public test_support::TranscriptTest {
   protected:
     EdgeBrowserTest() : TranscriptTest("ZanWebBrowserEdge") {}
+
+    /// The toolkit calls every timer that is left: a test's own owner is gone by now, and so must be the browser.
+    ~EdgeBrowserTest() override {
+        browser.reset();
+        while (!timers.empty()) {
+            FireTimer();
+        }
+    }
+    EdgeBrowserTest(const EdgeBrowserTest&) = delete;
+    EdgeBrowserTest& operator=(const EdgeBrowserTest&) = delete;
 
     /// Makes the browser of "http://server".
     void MakeBrowser(int checkMode = 0) {
@@ -64,9 +87,37 @@ class EdgeBrowserTest : public test_support::TranscriptTest {
         TakeTranscript();
     }
 
+    /// Reads the member of the host object and calls what it gives, as script does.
+    HRESULT CallPageObject() const { return CallPageObject(runtime.webView.hostObject.Get()); }
+    static HRESULT CallPageObject(IDispatch* hostObject) {
+        VARIANT norv{};
+        DISPPARAMS none{};
+        hostObject->Invoke(888111888, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &norv, nullptr, nullptr);
+        const HRESULT result = norv.pdispVal->Invoke(DISPID_VALUE, IID_NULL, 0, DISPATCH_METHOD, &none,
+                                                     nullptr, nullptr, nullptr);
+        norv.pdispVal->Release();
+        return result;
+    }
+
+    /// The oldest timer fires.
+    void FireTimer() {
+        const Timer timer = timers.at(0);
+        timers.erase(timers.begin());
+        watchedBlock = timer.data;
+        watchedBlockFreed = false;
+        EXPECT_EQ(timer.callback(timer.data), 0);
+        EXPECT_TRUE(watchedBlockFreed) << "the timer's data is left";
+        watchedBlock = nullptr;
+    }
+
+    const void* watchedBlock = nullptr;
+    bool watchedBlockFreed = false;
+
     /// What is freed is overwritten, so that a use of it shows.
-    test_support::FreedBlocksWatch poison{
-        [](const void* block, std::size_t size) { std::memset(const_cast<void*>(block), 0xDD, size); }};
+    test_support::FreedBlocksWatch poison{[this](const void* block, std::size_t size) {
+        std::memset(const_cast<void*>(block), 0xDD, size);
+        watchedBlockFreed = watchedBlockFreed || block == watchedBlock;
+    }};
 
     const HWND parent = reinterpret_cast<HWND>(0x4711);
     RECT clientRect{0, 0, 640, 480};
@@ -92,6 +143,24 @@ class EdgeBrowserTest : public test_support::TranscriptTest {
         }};
     test_support::ReplacedImport<struct Uninitialize, decltype(CoUninitialize)> coUninitialize{
         "ole32.dll", "CoUninitialize", [] { test_support::Record("CoUninitialize"); }};
+
+    struct Timer {
+        UiCallback callback;
+        void* data;
+    };
+    std::vector<Timer> timers;
+    int timerResult = 0;
+    test_support::ReplacedImport<struct ToolkitTimer, decltype(ui_set_timer)> setTimer{
+        "host_toolkit.dll", "ui_set_timer", [this](int milliseconds, UiCallback callback, void* data) {
+            test_support::Record("ui_set_timer " + std::to_string(milliseconds));
+            if (timerResult == 0) {
+                timers.push_back({callback, data});
+            } else {
+                watchedBlock = data;
+            }
+            return timerResult;
+        }};
+    test_support::FakeWinInetStore winInet;
 
     RecordingOwner owner;
     test_support::FakeRuntime runtime;

@@ -66,6 +66,7 @@ const Lines kWires = {
 };
 
 const Lines kNavigates = {
+    kReadsStore,
     "environment2.CreateWebResourceRequest http://server/qxcore/jsp/qvs/vislogon.jsp GET "
     "[Accept: */*\r\nPragma: no-cache\r\n]",
     "webView15.NavigateWithWebResourceRequest request",
@@ -109,9 +110,12 @@ TEST_F(StartUp, InCheckModeNavigatesToTheCheckFileWithNoSlashPutInBetween) {
         runtime.CompleteController();
         TakeTranscript();
         runtime.CompleteScript();
-        EXPECT_EQ(TakeTranscript().front(), "environment2.CreateWebResourceRequest " + server +
-                                                "ARPublish/veltauth/check_authenticated_access.txt GET "
-                                                "[Accept: */*\r\nPragma: no-cache\r\n]");
+        const std::string url = server + "ARPublish/veltauth/check_authenticated_access.txt";
+        EXPECT_EQ(TakeTranscript(),
+                  (Lines{"InternetGetCookieEx2 " + url + " name=(null) with 0x00001000",
+                         "environment2.CreateWebResourceRequest " + url +
+                             " GET [Accept: */*\r\nPragma: no-cache\r\n]",
+                         "webView15.NavigateWithWebResourceRequest request", "request gone"}));
         browser->Destroy();
     }
 }
@@ -164,7 +168,10 @@ TEST_P(StartUpWithWords, ChangesOnlyWhatTheWordsSay) {
     runtime.CompleteScript();
     Lines navigates = kNavigates;
     if (words.verbose) {
-        navigates.insert(navigates.begin(), "[0] Navigating to http://server/qxcore/jsp/qvs/vislogon.jsp");
+        const std::string url = "http://server/qxcore/jsp/qvs/vislogon.jsp";
+        navigates.insert(navigates.begin() + 1, "[0] Navigating to " + url);
+        navigates.insert(navigates.begin(), {"[0] WinInet cookies before navigating to " + url,
+                                             "[0] WinInet cookies for " + url, kReadsStore});
     }
     EXPECT_EQ(TakeTranscript(), navigates);
 }
@@ -242,6 +249,44 @@ TEST_F(StartUp, AFailedScriptRegistrationEndsItBeforeTheNavigation) {
     EXPECT_EQ(TakeTranscript(),
               Lines{"[0] Failed: ICoreWebView2AddScriptToExecuteOnDocumentCreatedCompletedHandler error "
                     "code: -2147467259"});
+}
+
+TEST_F(StartUp, TheLoadBalancersCookiesGoToTheRuntimeBeforeTheNavigation) {
+    winInet.Hold(L"BIGipServer~pool", L"1");
+    winInet.Hold(L"other", L"2");
+    AwaitScript();
+    EXPECT_EQ(runtime.CompleteScript(), S_OK);
+    Lines expected = kNavigates;
+    expected.insert(expected.begin() + 1,
+                    {"cookieManager.CreateCookie BIGipServer~pool=1 domain=server path=/",
+                     "cookie.put_Expires -1.000000", "cookie.put_IsHttpOnly 0", "cookie.put_SameSite 0",
+                     "cookie.put_IsSecure 0", "cookieManager.AddOrUpdateCookie cookie", "cookie gone",
+                     "InternetFreeCookies 2"});
+    EXPECT_EQ(TakeTranscript(), expected);
+}
+
+TEST_F(StartUp, InAVerboseTraceTheStoreIsShownBeforeItsCookiesAreCopied) {
+    const ScopedVariable variable(kImplementationVariable, L"trace");
+    winInet.Hold(L"BIGipServer~pool", L"1");
+    AwaitScript();
+    EXPECT_EQ(runtime.CompleteScript(), S_OK);
+    const std::string url = "http://server/qxcore/jsp/qvs/vislogon.jsp";
+    EXPECT_EQ(TakeTraceLines(),
+              (Lines{"[0] WinInet cookies before navigating to " + url, "[0] WinInet cookies for " + url,
+                     "[0] BIGipServer~pool=1; domain=server; path=/; flags=0x0",
+                     "[0] Pre-populating LB cookies for " + url,
+                     "[0] Processed BIGipServer~pool=1; domain=server; path=/; session; samesite=0",
+                     "[0] Navigating to " + url}));
+}
+
+TEST_F(StartUp, WithoutACookieManagerItNavigatesAllTheSame) {
+    runtime.script.answers["webView2.get_CookieManager"] = E_FAIL;
+    winInet.Hold(L"BIGipServer~pool", L"1");
+    AwaitScript();
+    EXPECT_EQ(runtime.CompleteScript(), S_OK);
+    Lines expected = kNavigates;
+    expected.insert(expected.begin() + 1, {"[0] Failed to create WebView2 cookie", "InternetFreeCookies 1"});
+    EXPECT_EQ(TakeTranscript(), expected);
 }
 
 TEST_F(StartUp, OnceTheHostObjectIsExposedOnlyTheRuntimeHoldsIt) {

@@ -107,9 +107,11 @@ TEST_F(View, ShowsWhatHasChangedWhileItWasHidden) {
 
 TEST_F(View, ShowsTheLastPictureOfAPageThatChangedWhileTheThreadWasBusy) {
     Show("/red");
-    Evaluate(*page_, "let left = 30; const step = () => { document.body.style.background = left % 2 ? 'red' : 'green';"
-                     "if (left--) requestAnimationFrame(step); else document.body.style.background = 'blue' };"
-                     "requestAnimationFrame(step); 0");
+    Evaluate(
+        *page_,
+        "let left = 30; const step = () => { document.body.style.background = left % 2 ? 'red' : 'green';"
+        "if (left--) requestAnimationFrame(step); else document.body.style.background = 'blue' };"
+        "requestAnimationFrame(step); 0");
     Sleep(1500);
     EXPECT_TRUE(PumpUntil([&] { return Pixel(100, 50) == kBlue; }));
 }

@@ -1,6 +1,9 @@
 // Texts to numbers, with error texts of our own.
 #include "support/number.h"
 
+#include <cerrno>
+#include <cstdint>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -28,10 +31,23 @@ TEST(Number, TakesTheDecimalDigitsAtTheStart) {
     }
 }
 
-template <typename Exception>
-void ExpectError(const wchar_t* text, const char* what) {
+TEST(Number, MayHave64Bits) {
+    const std::pair<const wchar_t*, std::int64_t> texts[] = {
+        {L"60abc", 60},
+        {L" -3", -3},
+        {L"2147483648", 2147483648},
+        {L"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
+        {L"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
+    };
+    for (const auto& [text, number] : texts) {
+        EXPECT_EQ(ToInt64(text), number);
+    }
+}
+
+template <typename Exception, typename Number>
+void ExpectError(Number (*convert)(const std::wstring&), const wchar_t* text, const char* what) {
     try {
-        ToInt(text);
+        convert(text);
         ADD_FAILURE() << what << " was expected";
     } catch (const Exception& exception) {
         EXPECT_STREQ(exception.what(), what);
@@ -40,14 +56,24 @@ void ExpectError(const wchar_t* text, const char* what) {
 
 TEST(Number, WithoutADigitIsAnInvalidArgument) {
     for (const wchar_t* text : {L"", L" ", L"x1", L".5", L"-"}) {
-        ExpectError<std::invalid_argument>(text, "invalid stoi argument");
+        ExpectError<std::invalid_argument>(&ToInt, text, "invalid stoi argument");
+        ExpectError<std::invalid_argument>(&ToInt64, text, "invalid stoll argument");
     }
 }
 
 TEST(Number, BeyondTheRangeIsOutOfRange) {
-    for (const wchar_t* text : {L"2147483648", L"-2147483649", L"99999999999999999999"}) {
-        ExpectError<std::out_of_range>(text, "stoi argument out of range");
+    for (const wchar_t* text :
+         {L"2147483648", L"-2147483649", L"9223372036854775807", L"99999999999999999999"}) {
+        ExpectError<std::out_of_range>(&ToInt, text, "stoi argument out of range");
     }
+    for (const wchar_t* text : {L"9223372036854775808", L"-9223372036854775809", L"99999999999999999999"}) {
+        ExpectError<std::out_of_range>(&ToInt64, text, "stoll argument out of range");
+    }
+}
+
+TEST(Number, AnEarlierErrorOfTheRuntimeIsForgotten) {
+    errno = ERANGE;
+    EXPECT_EQ(ToInt(L"1"), 1);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // Counting by the system's own lists.
-#include "tests/e2e/process_counts.h"
+#include "tests/support/process_counts.h"
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <string_view>
@@ -10,7 +11,7 @@
 
 #include <winternl.h>
 
-namespace e2e {
+namespace test_support {
 namespace {
 
 // The platform headers know neither this class of information nor its layout; both are stable.
@@ -33,10 +34,28 @@ struct HandleTable {
     HandleEntry entries[1];
 };
 
+// GDI keeps its objects in a table of the process; the entry of a free place has no type.
+struct GdiEntry {
+    ULONG64 object;
+    ULONG owner;
+    USHORT unique;
+    UCHAR type;
+    UCHAR flags;
+    ULONG64 user;
+};
+static_assert(sizeof(GdiEntry) == 24);
+constexpr std::size_t kGdiEntries = 0x10000;
+constexpr std::size_t kGdiTableInProcessBlock = 0xF8;
+
+template <typename Function>
+Function SystemFunction(const char* name) {
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name)));
+}
+
 std::vector<std::byte> ReadHandleTable() {
     using QuerySystemInformation = NTSTATUS(NTAPI*)(ULONG, void*, ULONG, ULONG*);
-    const auto query = reinterpret_cast<QuerySystemInformation>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
+    const auto query = SystemFunction<QuerySystemInformation>("NtQuerySystemInformation");
     std::vector<std::byte> buffer(1 << 16);
     ULONG needed = 0;
     while (query(kSystemExtendedHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()),
@@ -95,4 +114,14 @@ std::size_t CountWindows() {
     return count;
 }
 
-} // namespace e2e
+std::size_t CountGdiObjects() {
+    PROCESS_BASIC_INFORMATION process{};
+    const auto query = SystemFunction<decltype(&NtQueryInformationProcess)>("NtQueryInformationProcess");
+    query(GetCurrentProcess(), ProcessBasicInformation, &process, sizeof(process), nullptr);
+    const auto* const block = reinterpret_cast<const std::byte*>(process.PebBaseAddress);
+    const auto* const entries = *reinterpret_cast<const GdiEntry* const*>(block + kGdiTableInProcessBlock);
+    return static_cast<std::size_t>(
+        std::count_if(entries, entries + kGdiEntries, [](const GdiEntry& entry) { return entry.type != 0; }));
+}
+
+} // namespace test_support

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-namespace e2e {
+namespace test_support {
 
 /// Open handles of this process, without those that Wine 8.0 forgets: to start a program of the machine below, it opens
 /// that program's file and never closes it. (Closing it from here ends in handles of others being closed.)
@@ -12,4 +12,7 @@ std::size_t CountHandles();
 /// Windows of this process: top-level ones with all their children, and message-only ones.
 std::size_t CountWindows();
 
-} // namespace e2e
+/// GDI objects of this process: pens, brushes, fonts, bitmaps, device contexts.
+std::size_t CountGdiObjects();
+
+} // namespace test_support

@@ -1,0 +1,94 @@
+"""What tests of a whole login share: the viewer while it runs, and a person at its login dialog."""
+
+import os
+import re
+import subprocess
+from pathlib import Path
+
+from document_server.login import BAND_COLOUR, BAND_HEIGHT, DONE_PAGE_COLOUR, PAGE_COLOUR
+
+from tests.e2e.browser_case import BrowserCase, rgb
+from tests.e2e.browser_host import ANSWER_SECONDS
+from tests.e2e.person import Person
+from tests.flow.viewer_case import BIN_DIR, PASSWORD, USER, WINE, windows_path
+
+PROMPT = "Log in to the document server"
+TRACE_LINE = re.compile(r"\S+ kelda (\S+ \d .*)")
+# Places in the dialog, from the corners of its window: within the page, clear of title bar and frame.
+INSET = 12
+TITLE_BAR = 30
+
+
+class Viewer:
+    """A context manager around one run of the viewer."""
+
+    def __init__(self, folder: Path, arguments: list[str], environment: dict[str, str]) -> None:
+        self._trace, self._output = folder / "trace.txt", folder / "viewer.txt"
+        self._command = [WINE, str(BIN_DIR / "viewer.exe"), "--trace", windows_path(self._trace), *arguments]
+        self._environment = {**os.environ, **environment}
+
+    def __enter__(self) -> "Viewer":
+        with open(self._output, "wb") as output:
+            self._process = subprocess.Popen(self._command, stdin=subprocess.DEVNULL, stdout=output, stderr=output,
+                                             env=self._environment)
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        if self._process.poll() is None:
+            self._process.kill()
+        self._process.wait()
+
+    def exit_code(self) -> int:
+        """Waits for the end."""
+        return self._process.wait(ANSWER_SECONDS)
+
+    @property
+    def last_line(self) -> str:
+        """What the viewer says happened."""
+        return self._output.read_text("utf-8").splitlines()[-1]
+
+    def trace(self) -> list[str]:
+        """The trace so far, without times: component, type and text."""
+        lines = self._trace.read_text("utf-8").splitlines() if self._trace.exists() else []
+        return [TRACE_LINE.fullmatch(line)[1] for line in lines]
+
+
+class LoginCase(BrowserCase):
+    """A viewer that is to log in at the login page of a document server."""
+
+    def start(self, *arguments: str, words: str = "", **environment: str) -> Viewer:
+        """A viewer on the server of the test; its browser's profile lies in the test's folder."""
+        return self.enterContext(Viewer(
+            self.folder, ["--server", self.server.url + "/", *arguments],
+            {"MERIDO_USER_PREFS_LOCAL_DIR": windows_path(self.folder), "MERIDO_ZANWEBBROWSER_IMPLEMENTATION": words,
+             **environment}))
+
+    def dialog(self, prompt: str = PROMPT) -> Person:
+        """A person at the login dialog, which is there and has the keyboard."""
+        person = Person(f"{prompt}: {self.server.url}")
+        person.await_window()
+        return person
+
+    def await_page(self, person: Person, page_colour: str = PAGE_COLOUR) -> None:
+        """Waits until the login page fills the dialog."""
+        for x in (INSET, person.width - INSET):
+            person.await_colour(rgb(BAND_COLOUR), x, TITLE_BAR + INSET)
+            person.await_colour(rgb(page_colour), x, person.height - INSET)
+
+    def await_done_page(self, person: Person) -> None:
+        """Waits until the page is there that follows a login."""
+        self.await_page(person, DONE_PAGE_COLOUR)
+
+    def log_in(self, person: Person, password: str = PASSWORD) -> None:
+        """Fills the form in, which is there, by its keys."""
+        self.enter_page(person)
+        person.type(USER)
+        person.press("Tab")
+        person.type(password)
+        person.press("Return")
+
+    @staticmethod
+    def enter_page(person: Person) -> None:
+        """Gives the page the keyboard; the next field from its heading is the first."""
+        person.click(person.width // 2, TITLE_BAR + BAND_HEIGHT // 2)
+        person.press("Tab")

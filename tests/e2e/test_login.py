@@ -1,0 +1,137 @@
+"""The whole form login through the viewer and the real library, by a person with keys and a mouse."""
+
+from document_server.documents import document
+from document_server.login import WRONG_PAGE_COLOUR
+
+from tests.e2e.browser_case import PICTURES
+from tests.e2e.browser_host import await_condition, save_picture
+from tests.e2e.login_case import LoginCase, Viewer
+from tests.e2e.person import title_of_focus
+from tests.flow.viewer_case import windows_path
+
+LOGGED_IN, NOT_LOGGED_IN = 0, 3
+NOT_LOGGED_IN_LINE = "viewer: not logged in: the server wants its web login form filled in."
+LOAD_FAILED = "ZanWebBrowserEdge 0 Navigation failed. Leaving Edge control visible for user to read message"
+
+
+class DownloadCase(LoginCase):
+    """A viewer that wants a document that only a session gets."""
+
+    def start_download(self, words: str = "") -> Viewer:
+        self.output = self.folder / "plan.bin"
+        return self.start("--get", "documents/plan", "--output", windows_path(self.output), words=words)
+
+    def assert_downloaded(self, viewer: Viewer) -> None:
+        self.assertEqual(viewer.exit_code(), LOGGED_IN, viewer.last_line)
+        self.assertEqual(self.output.read_bytes(), document("plan"))
+
+    def assert_not_logged_in(self, viewer: Viewer) -> None:
+        self.assertEqual(viewer.exit_code(), NOT_LOGGED_IN)
+        self.assertEqual(viewer.last_line, NOT_LOGGED_IN_LINE)
+        self.assertFalse(self.output.exists())
+        self.assertNotIn("/documents/plan", [request["path"] for request in self.server.requests()])
+
+
+class Login(DownloadCase):
+    def test_a_good_login_lets_the_document_be_downloaded(self) -> None:
+        viewer = self.start_download()
+        person = self.dialog()
+        self.await_page(person)
+        save_picture(PICTURES / "login-dialog.png")
+        self.log_in(person)
+        person.await_end()
+        self.assert_downloaded(viewer)
+
+    def test_a_wrong_password_may_be_followed_by_the_right_one(self) -> None:
+        viewer = self.start_download()
+        person = self.dialog()
+        self.await_page(person)
+        self.log_in(person, "no such password")
+        self.await_page(person, WRONG_PAGE_COLOUR)
+        self.log_in(person)
+        self.assert_downloaded(viewer)
+
+    def test_tab_moves_between_the_fields_and_the_button_and_enter_submits(self) -> None:
+        viewer = self.start_download()
+        person = self.dialog()
+        self.await_page(person)
+        self.enter_page(person)
+        person.type("anxa")
+        person.press("Left", "BackSpace")
+        person.type("n")
+        person.press("Tab")
+        person.type("kelda-demo")
+        person.press("Tab", "shift+Tab", "Tab", "Return")
+        self.assert_downloaded(viewer)
+
+    def test_the_words_inprivate_nosso_and_devtools_are_accepted(self) -> None:
+        viewer = self.start_download(words="inprivate,nosso,devtools")
+        person = self.dialog()
+        self.await_page(person)
+        self.log_in(person)
+        self.assert_downloaded(viewer)
+        self.assertIn("ZanWebBrowserEdge 0 Using InPrivate mode", viewer.trace())
+
+
+class ClosedDialog(DownloadCase):
+    def test_the_close_button_means_no_login(self) -> None:
+        viewer = self.start_download()
+        person = self.dialog()
+        self.await_page(person)
+        person.close()
+        self.assert_not_logged_in(viewer)
+
+    def test_the_dialog_can_be_closed_before_the_page_is_there(self) -> None:
+        viewer = self.start_download()
+        self.dialog().press("alt+F4")
+        self.assert_not_logged_in(viewer)
+
+
+class SilentPage(DownloadCase):
+    server_options = ("--login-page", "silent")
+
+    def test_a_login_that_the_page_does_not_report_is_none(self) -> None:
+        viewer = self.start_download()
+        person = self.dialog()
+        self.await_page(person)
+        self.log_in(person)
+        self.await_done_page(person)
+        person.close()
+        self.assert_not_logged_in(viewer)
+        self.assertNotIn("ZanWebBrowserEdge 0 OnSessionAuthenticated();", viewer.trace())
+
+
+class RepeatedReport(DownloadCase):
+    server_options = ("--login-page", "twice")
+
+    def test_the_second_report_of_a_page_counts_for_nothing(self) -> None:
+        viewer = self.start_download()
+        person = self.dialog()
+        self.await_page(person)
+        self.log_in(person)
+        self.assert_downloaded(viewer)
+        self.assertEqual(viewer.trace().count("ZanWebBrowserEdge 0 OnSessionAuthenticated();"), 1)
+
+
+class FailedLoad(DownloadCase):
+    def assert_the_dialog_waits_with_the_error_page(self) -> None:
+        viewer = self.start_download()
+        person = self.dialog()
+        await_condition(lambda: LOAD_FAILED in viewer.trace(), "the trace of the failed load")
+        self.assertEqual(title_of_focus(), person.title, "the dialog is still there")
+        person.close()
+        self.assert_not_logged_in(viewer)
+
+
+class BrokenPage(FailedLoad):
+    server_options = ("--login-page", "broken")
+
+    def test_leaves_the_error_page_and_a_dialog_that_waits(self) -> None:
+        self.assert_the_dialog_waits_with_the_error_page()
+
+
+class RefusedPage(FailedLoad):
+    server_options = ("--login-page", "refused-status")
+
+    def test_leaves_the_error_page_and_a_dialog_that_waits(self) -> None:
+        self.assert_the_dialog_waits_with_the_error_page()
