@@ -7,8 +7,8 @@ from pathlib import Path
 
 from document_server.login import BAND_COLOUR, BAND_HEIGHT, DONE_PAGE_COLOUR, PAGE_COLOUR
 
-from tests.e2e.browser_case import BrowserCase, rgb
-from tests.e2e.browser_host import ANSWER_SECONDS
+from tests.e2e.browser_case import PICTURES, BrowserCase, rgb
+from tests.e2e.browser_host import ANSWER_SECONDS, save_picture
 from tests.e2e.person import Person
 from tests.flow.viewer_case import BIN_DIR, PASSWORD, USER, WINE, windows_path
 
@@ -39,8 +39,12 @@ class Viewer:
         self._process.wait()
 
     def exit_code(self) -> int:
-        """Waits for the end."""
-        return self._process.wait(ANSWER_SECONDS)
+        """Waits for the end. Where it does not come, a picture shows what the viewer waits for."""
+        try:
+            return self._process.wait(ANSWER_SECONDS)
+        except subprocess.TimeoutExpired:
+            save_picture(PICTURES / "viewer-that-waits.png")
+            raise AssertionError(f"the viewer still runs, its trace is {self.trace()}") from None
 
     @property
     def last_line(self) -> str:

@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "testbed/support/import_patch.h"
-#include "tests/support/process_counts.h"
 #include "tests/support/message_pump.h"
+#include "tests/support/process_counts.h"
 #include "toolkit_scene.h"
 
 namespace {
