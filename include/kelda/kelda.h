@@ -46,12 +46,13 @@ enum class AuthenticationStatus : std::int32_t {
 ///         false: the request failed, the user cancelled the prompt or closed the dialog, the server refused the
 ///         credentials, or there was no dialog to be had. The trace, module "kelda", tells more.
 ///
-/// An answer without a challenge is also what a process gets that is authenticated already, as the system then sends the
-/// credentials by itself: a second call for a server with Basic authentication opens a login dialog. Call it once.
+/// An answer without a challenge is also what a process gets that is authenticated already, as the system then sends
+/// the credentials by itself: a second call for a server with Basic authentication opens a login dialog. Call it once.
 ///
 /// Threading: call it on the host's UI thread, with COM initialised there as a single-threaded apartment. It returns
 /// when all is decided. Prompts and the dialog pump window messages meanwhile; do not call it again from there.
-/// Ownership: all arguments stay the caller's and are not kept. The browser of a dialog lives until the next dialog closes.
+/// Ownership: all arguments stay the caller's and are not kept. The browser of a dialog lives until the next dialog
+/// closes.
 /// Errors: failing system calls never throw. Exceptions of the standard library, `std::bad_alloc` above all, leave it.
 KELDA_API bool AuthenticateServer(const std::wstring& promptText, const std::wstring& captionText,
                                   const char* ownerDevice, const char* serverUrl, const char* urlPath);

@@ -13,8 +13,8 @@ namespace kelda {
 /// A browser in a window of the caller's, on its way to one address of a document server.
 ///
 /// Threading: one thread, the host's UI thread; everything arrives from its message loop.
-/// Lifetime: `InitializeCom`, then `Create` once, `Destroy` once, then release it. Not without `Destroy`: pages may still
-/// hold objects of the browser's.
+/// Lifetime: `InitializeCom`, then `Create` once, `Destroy` once, then release it. Not without `Destroy`: pages may
+/// still hold objects of the browser's.
 /// Errors: failing system calls are traced (module "kelda") and never thrown. `std::bad_alloc` may leave any function.
 class KELDA_API ZanWebBrowser {
   public:
@@ -24,8 +24,9 @@ class KELDA_API ZanWebBrowser {
         /// A login page has loaded; comes again for each page, until the session is authenticated.
         virtual void OnNavigationCompleted() = 0;
 
-        /// The page has reported a session, or the check's file has loaded. Called once. The owner may call `Destroy` from
-        /// here, but must not let go of the browser: the page's call is still running.
+        /// The page has reported a session, or the check's file has loaded. Called once: by a timer from the message
+        /// loop, or from inside the call by which the browser learned of it. The owner may call `Destroy` from here,
+        /// but must not let go of the browser: that call may still be running.
         virtual void OnSessionAuthenticated() = 0;
 
         /// Neither backend calls it: a page that failed stays in sight.
@@ -58,9 +59,9 @@ class KELDA_API ZanWebBrowser {
     /// The window that the backend keeps for its browser; null where it keeps none.
     virtual HWND GetWindowHandle() = 0;
 
-    /// Chooses the backend: the legacy browser where the variable MERIDO_ZANWEBBROWSER_IMPLEMENTATION contains "ie", else
-    /// WebView2 where a runtime of version 115 or later is there, else the legacy browser. Looking for the runtime empties
-    /// the three standard WEBVIEW2_ variables of the process.
+    /// Chooses the backend: the legacy browser where the variable MERIDO_ZANWEBBROWSER_IMPLEMENTATION contains "ie",
+    /// else WebView2 where a runtime of version 115 or later is there, else the legacy browser. Looking for the runtime
+    /// empties the three standard WEBVIEW2_ variables of the process.
     ///
     /// @param serverUrl  Address of the server, UTF-8. The path of the page is appended to it as it is.
     /// @param checkMode  0: the login page. Else: the file that only an authenticated session may fetch.

@@ -1,5 +1,5 @@
-// The controller's arrival: everything that turns it into our browser, up to the document script whose completion starts
-// the navigation.
+// The controller's arrival: everything that turns it into our browser, up to the document script whose completion
+// starts the navigation.
 #include "browser_edge/impl.h"
 #include "support/com_call.h"
 #include "support/failed_call.h"

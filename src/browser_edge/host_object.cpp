@@ -44,12 +44,14 @@ HRESULT ZanWebBrowserEdge::Impl::Invoke(DISPID id, REFIID /*iid*/, LCID /*locale
                                         UINT* /*wrongArgument*/) {
     return AtComBoundary(
         [&] {
-            if ((flags & DISPATCH_PROPERTYGET) != 0 && id == DISPID_NORV && result != nullptr) {
+            if ((flags & DISPATCH_PROPERTYGET) != 0 && id == DISPID_NORV) {
                 kWebBrowserEdgeTrace.Info()
                     << "ZanWebBrowserEdge::Invoke DISPATCH_PROPERTYGET - dispIdMember == DISPID_NORV";
-                dispatchHelper_.AddRef();
-                result->vt = VT_DISPATCH;
-                result->pdispVal = &dispatchHelper_;
+                if (result != nullptr) {
+                    dispatchHelper_.AddRef();
+                    result->vt = VT_DISPATCH;
+                    result->pdispVal = &dispatchHelper_;
+                }
             }
             return S_OK;
         },

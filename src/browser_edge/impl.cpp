@@ -21,7 +21,8 @@ ZanWebBrowserEdge::Impl::Impl(const du::Symbol& serverUrl, int checkMode)
       url_(TargetAddress(serverUrl, checkMode)),
       mode_(checkMode) {}
 
-// COM is ended once, whatever InitializeCom found, and before the members release what is left of the runtime's objects.
+// COM is ended once, whatever InitializeCom found, and before the members release what is left of the runtime's
+// objects.
 ZanWebBrowserEdge::Impl::~Impl() {
     StopListening();
     CoUninitialize();

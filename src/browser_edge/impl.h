@@ -31,8 +31,9 @@ namespace kelda {
 
 /// Lives on the thread that made it. Owned by ZanWebBrowserEdge alone: its COM count decides nothing.
 ///
-/// Sizing, showing, stopping or closing the browser pumps messages, so that the owner may call in again, or delete this
-/// object, while one of its functions is running: after such a call a function touches only what it holds itself.
+/// Sizing, showing, stopping or closing the browser pumps messages, and so may giving it cookies or having it make a
+/// request. The owner may then call in again, or delete this object, while one of its functions is running: after such
+/// a call a function touches only what it holds itself, until its copy of `target_` tells that it is still wanted.
 class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDispatchHelper::AuthCallback {
   public:
     Impl(const du::Symbol& serverUrl, int checkMode);
@@ -93,8 +94,8 @@ class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDisp
 
     HRESULT OnGetCookiesCompleted(HRESULT result, ICoreWebView2CookieList* list);
     static void ReportFromMessageLoop(const CallbackTarget<Impl>& target);
-    static int OnReportTimer(void* data);
-    void ReportSessionAuthenticated();
+    static int ReportSessionAuthenticated(void* data);
+    void TellOwnerOnce();
 
     void StopListening();
     void UnregisterEvents(const WebViewObjects& objects) const;

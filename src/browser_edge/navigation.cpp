@@ -16,7 +16,7 @@ namespace kelda {
 namespace {
 
 constexpr const wchar_t* kFirstRequestHeaders = L"Accept: */*\r\nPragma: no-cache\r\n";
-constexpr std::wstring_view kScriptUrl = L"javascript:void(0)";
+constexpr std::wstring_view kEmptyScript = L"javascript:void(0)";
 
 } // namespace
 
@@ -25,36 +25,46 @@ HRESULT ZanWebBrowserEdge::Impl::OnDocumentScriptAdded(HRESULT result, LPCWSTR i
         return S_OK;
     }
     scriptId_ = id != nullptr ? id : L"";
+    const CallbackTarget<Impl> target = target_;
     const std::wstring url = du::Utf8ToWideStr(url_.safe_c_str());
     if (verboseTrace_) {
         kWebBrowserEdgeTrace.Info() << "WinInet cookies before navigating to " << url_.safe_c_str();
         TraceWinInetCookies(url);
     }
+    // The owner may close or delete the browser while the runtime takes the cookies, or makes the request.
     PrePopulateLoadBalancerCookies(url, cookieManager_, verboseTrace_);
+    if (*target == nullptr) {
+        return S_OK;
+    }
     if (verboseTrace_) {
         kWebBrowserEdgeTrace.Info() << "Navigating to " << url_.safe_c_str();
     }
     ComPtr<ICoreWebView2WebResourceRequest> request;
-    Succeeded(CallOn(objects_.environment2, &ICoreWebView2Environment2::CreateWebResourceRequest, url.c_str(),
-                     L"GET", nullptr, kFirstRequestHeaders, request.GetAddressOf()),
-              "CreateWebResourceRequest");
+    const HRESULT made = CallOn(objects_.environment2, &ICoreWebView2Environment2::CreateWebResourceRequest,
+                                url.c_str(), L"GET", nullptr, kFirstRequestHeaders, request.GetAddressOf());
+    if (*target == nullptr) {
+        return S_OK;
+    }
+    Succeeded(made, "CreateWebResourceRequest");
     // Also without a request, so that the trace shows both.
     Succeeded(CallOn(objects_.webView15, &ICoreWebView2_15::NavigateWithWebResourceRequest, request.Get()),
               "NavigateWithWebResourceRequest");
     return S_OK;
 }
 
+// A link to the empty script only runs a handler of its page: there is nothing to load. Wherever it stands in the
+// address it counts, and in this spelling only; both are meant.
 HRESULT ZanWebBrowserEdge::Impl::OnNavigationStarting(ICoreWebView2* /*sender*/,
                                                       ICoreWebView2NavigationStartingEventArgs* args) {
     ComText uri;
     args->get_Uri(ReceiveText(uri));
-    if (uri != nullptr && std::wstring_view(uri.get()).find(kScriptUrl) != std::wstring_view::npos) {
+    if (uri != nullptr && std::wstring_view(uri.get()).find(kEmptyScript) != std::wstring_view::npos) {
         args->put_Cancel(TRUE);
     }
     return S_OK;
 }
 
-// One value for all, whatever the kind of the resource.
+// One value for all, whatever the kind of the resource, which is read all the same: that call is kept on purpose.
 HRESULT ZanWebBrowserEdge::Impl::OnWebResourceRequested(ICoreWebView2* /*sender*/,
                                                         ICoreWebView2WebResourceRequestedEventArgs* args) {
     COREWEBVIEW2_WEB_RESOURCE_CONTEXT context{};
@@ -82,7 +92,7 @@ HRESULT ZanWebBrowserEdge::Impl::OnNavigationCompleted(ICoreWebView2* /*sender*/
         if (mode_ == 0) {
             callback_->OnNavigationCompleted();
         } else {
-            OnSessionAuthenticated(); // only an authenticated session gets the check's file
+            OnSessionAuthenticated(); // any load that succeeds counts: what has loaded is not looked at
         }
     }
     return S_OK;

@@ -1,5 +1,5 @@
-// The report of the session: the page, or the check's file, says that there is one; its cookies are carried into WinINet; then
-// the owner is told.
+// The report of the session: the page, or the check's file, says that there is one; its cookies are carried into
+// WinINet; then the owner is told.
 #include <memory>
 #include <utility>
 
@@ -15,7 +15,8 @@
 
 namespace kelda {
 
-// Where the cookies cannot be asked for, nothing more is done: the owner is still there to be told, and the page may call again.
+// Where the cookies cannot be asked for, nothing more is done: the owner is still there to be told, and the page may
+// call again.
 void ZanWebBrowserEdge::Impl::OnSessionAuthenticated() {
     const std::wstring url = du::Utf8ToWideStr(url_.safe_c_str());
     if (useCookieManager_) {
@@ -29,7 +30,7 @@ void ZanWebBrowserEdge::Impl::OnSessionAuthenticated() {
     if (verboseTrace_) {
         TraceWinInetCookies(url);
     }
-    ReportSessionAuthenticated();
+    TellOwnerOnce();
 }
 
 HRESULT ZanWebBrowserEdge::Impl::OnGetCookiesCompleted(HRESULT result, ICoreWebView2CookieList* list) {
@@ -43,11 +44,12 @@ HRESULT ZanWebBrowserEdge::Impl::OnGetCookiesCompleted(HRESULT result, ICoreWebV
     return S_OK;
 }
 
-// The owner is not told from inside the runtime's completion: what it does then may be anything, a modal dialog's end included.
+// The owner is not told from inside the runtime's completion: what it does then may be anything, a modal dialog's end
+// included.
 void ZanWebBrowserEdge::Impl::ReportFromMessageLoop(const CallbackTarget<Impl>& target) {
     constexpr int kMilliseconds = 1;
     auto data = std::make_unique<CallbackTarget<Impl>>(target);
-    if (const int error = ui_set_timer(kMilliseconds, &OnReportTimer, data.get()); error != 0) {
+    if (const int error = ui_set_timer(kMilliseconds, &ReportSessionAuthenticated, data.get()); error != 0) {
         kWebBrowserEdgeTrace.Info() << "Failed: ui_set_timer error code: " << error;
         return;
     }
@@ -55,12 +57,12 @@ void ZanWebBrowserEdge::Impl::ReportFromMessageLoop(const CallbackTarget<Impl>& 
 }
 
 // The browser may be gone by now: the data is a cell of the timer's own.
-int ZanWebBrowserEdge::Impl::OnReportTimer(void* data) {
+int ZanWebBrowserEdge::Impl::ReportSessionAuthenticated(void* data) {
     const std::unique_ptr<CallbackTarget<Impl>> target(static_cast<CallbackTarget<Impl>*>(data));
     AtComBoundary(
         [&] {
             if (Impl* const impl = **target; impl != nullptr) {
-                impl->ReportSessionAuthenticated();
+                impl->TellOwnerOnce();
             }
             return S_OK;
         },
@@ -68,8 +70,9 @@ int ZanWebBrowserEdge::Impl::OnReportTimer(void* data) {
     return 0;
 }
 
-// Once: a second call of the page, or a later load in check mode, finds no callback.
-void ZanWebBrowserEdge::Impl::ReportSessionAuthenticated() {
+// Once: a second call of the page, or a later load in check mode, finds no callback. It is cleared before it is called:
+// from there the owner may delete this object or create the browser anew, and a report from inside finds none either.
+void ZanWebBrowserEdge::Impl::TellOwnerOnce() {
     if (callback_ != nullptr) {
         kWebBrowserEdgeTrace.Info() << "OnSessionAuthenticated();";
         std::exchange(callback_, nullptr)->OnSessionAuthenticated();

@@ -37,7 +37,8 @@ HRESULT ZanWebBrowserEdge::Impl::OnServerCertificateErrorDetected(
     return S_OK;
 }
 
-// One matching certificate is taken without asking; with several the runtime's own dialog asks.
+// One matching certificate is taken without asking; with several the runtime's own dialog asks. One that cannot be had
+// counts as none: the request goes on without.
 HRESULT ZanWebBrowserEdge::Impl::OnClientCertificateRequested(
     ICoreWebView2* /*sender*/, ICoreWebView2ClientCertificateRequestedEventArgs* args) {
     ComPtr<ICoreWebView2ClientCertificateCollection> certificates;
@@ -48,7 +49,9 @@ HRESULT ZanWebBrowserEdge::Impl::OnClientCertificateRequested(
     if (count == 1) {
         ComPtr<ICoreWebView2ClientCertificate> certificate;
         certificates->GetValueAtIndex(0, certificate.GetAddressOf());
-        args->put_SelectedCertificate(certificate.Get());
+        if (certificate) {
+            args->put_SelectedCertificate(certificate.Get());
+        }
     }
     args->put_Handled(count <= 1 ? TRUE : FALSE);
     return S_OK;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "cookies/cookie_text.h"
+#include "cookies/text_or_empty.h"
 #include "cookies/web_view2_cookies.h"
 #include "cookies/win_inet_cookies.h"
 #include "du/string_utilities.h"
@@ -29,17 +30,13 @@ constexpr CookieName kLoadBalancer = {L"BIGipServer", true};
 /// The session's, and those by which a load balancer knows its clients again.
 constexpr CookieName kCopiedNames[] = {{L"JSESSIONID", false}, kLoadBalancer, {L"TS", true}};
 
-std::wstring_view NameOf(const INTERNET_COOKIE2& cookie) {
-    return cookie.pwszName != nullptr ? cookie.pwszName : L"";
-}
-
-bool IsLoadBalancers(const INTERNET_COOKIE2& cookie) {
-    return kLoadBalancer.Covers(NameOf(cookie));
+bool IsOfLoadBalancer(const INTERNET_COOKIE2& cookie) {
+    return kLoadBalancer.Covers(TextOrEmpty(cookie.pwszName));
 }
 
 bool IsCopied(const INTERNET_COOKIE2& cookie) {
-    return std::ranges::any_of(kCopiedNames,
-                               [&](const CookieName& name) { return name.Covers(NameOf(cookie)); });
+    const std::wstring name = TextOrEmpty(cookie.pwszName);
+    return std::ranges::any_of(kCopiedNames, [&](const CookieName& copied) { return copied.Covers(name); });
 }
 
 void CopyToRuntime(const INTERNET_COOKIE2& source, const ComPtr<ICoreWebView2CookieManager>& manager,
@@ -70,7 +67,7 @@ void CopyToWinInet(ICoreWebView2Cookie* source, const std::wstring& url, bool tr
 void PrePopulateLoadBalancerCookies(const std::wstring& url, ComPtr<ICoreWebView2CookieManager> manager,
                                     bool trace) {
     const WinInetCookies stored(url);
-    if (std::ranges::none_of(stored.All(), IsLoadBalancers)) {
+    if (std::ranges::none_of(stored.All(), IsOfLoadBalancer)) {
         return;
     }
     if (trace) {

@@ -1,7 +1,7 @@
 // The two attributes that give a cookie an expiry.
 #include <algorithm>
-#include <array>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <sstream>
@@ -23,10 +23,11 @@
 namespace kelda {
 namespace {
 
-constexpr std::array<std::wstring_view, 12> kMonths = {L"jan", L"feb", L"mar", L"apr", L"may", L"jun",
-                                                       L"jul", L"aug", L"sep", L"oct", L"nov", L"dec"};
+constexpr std::wstring_view kMonths[] = {L"jan", L"feb", L"mar", L"apr", L"may", L"jun",
+                                         L"jul", L"aug", L"sep", L"oct", L"nov", L"dec"};
 
-/// The exact sum where it fits, else that of the rounded numbers: a cookie that outlives the scale does not wrap into the past.
+/// The exact sum where it fits, else that of the rounded numbers: a cookie that outlives the scale does not wrap into
+/// the past.
 double Sum(std::int64_t now, std::int64_t number) {
     using Limits = std::numeric_limits<std::int64_t>;
     const bool overflows = now > 0 ? number > Limits::max() - now : number < Limits::min() - now;
@@ -37,7 +38,7 @@ double Sum(std::int64_t now, std::int64_t number) {
 /// 1 to 12; 0, which is no month, for another word.
 int MonthNumber(const std::wstring& word) {
     const auto* const month = std::ranges::find(kMonths, ToLower(word));
-    return month == kMonths.end() ? 0 : static_cast<int>(month - kMonths.begin()) + 1;
+    return month == std::end(kMonths) ? 0 : static_cast<int>(month - std::begin(kMonths)) + 1;
 }
 
 /// The words of a date: weekday, day, month, year, hour, minute, second, zone.
@@ -53,7 +54,8 @@ std::vector<std::wstring> SplitWords(const std::wstring& text) {
     return words;
 }
 
-/// Throws where a number is none; all of them are converted before any is judged.
+/// Throws where a number is none or does not fit an int; all of them are converted before any is judged. Nothing for a
+/// number that no date has room for.
 std::optional<SYSTEMTIME> ReadFields(const std::vector<std::wstring>& words) {
     SYSTEMTIME time{};
     const std::pair<WORD SYSTEMTIME::*, int> fields[] = {

@@ -9,7 +9,8 @@ namespace kelda {
 /// The numbers are those of COREWEBVIEW2_COOKIE_SAME_SITE_KIND; the trace prints them too.
 enum class CookieSameSite : std::int32_t { None = 0, Lax = 1, Strict = 2 };
 
-/// A cookie, without judgement on whether a store would take it. The flags are 32-bit booleans, as both stores want them.
+/// A cookie, without judgement on whether a store would take it. The flags are 32-bit booleans, as the runtime wants
+/// them.
 struct CookieRecord {
     static constexpr double kNoExpiry = -1.0;
 

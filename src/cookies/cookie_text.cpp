@@ -6,6 +6,7 @@
 #include <cwchar>
 
 #include "cookies/cookie_time.h"
+#include "cookies/text_or_empty.h"
 
 namespace kelda {
 namespace {
@@ -17,10 +18,6 @@ constexpr const wchar_t* kMonths[] = {L"Jan", L"Feb", L"Mar", L"Apr", L"May", L"
 template <size_t Count>
 const wchar_t* NameAt(const wchar_t* const (&names)[Count], size_t index) {
     return index < Count ? names[index] : L"";
-}
-
-std::wstring TextOf(const wchar_t* text) {
-    return text == nullptr ? L"" : text;
 }
 
 std::wstring FormatFileTime(const FILETIME& time) {
@@ -57,9 +54,9 @@ std::wstring ToSetCookieString(const CookieRecord& cookie) {
 }
 
 std::wstring ToStoreLine(const INTERNET_COOKIE2& cookie) {
-    std::wstring line = TextOf(cookie.pwszName) + L"=" + TextOf(cookie.pwszValue) + L"; domain=" +
-                        TextOf(cookie.pwszDomain) + L"; path=" + TextOf(cookie.pwszPath) + L"; flags=0x" +
-                        ToHexadecimal(cookie.dwFlags);
+    std::wstring line = TextOrEmpty(cookie.pwszName) + L"=" + TextOrEmpty(cookie.pwszValue) + L"; domain=" +
+                        TextOrEmpty(cookie.pwszDomain) + L"; path=" + TextOrEmpty(cookie.pwszPath) +
+                        L"; flags=0x" + ToHexadecimal(cookie.dwFlags);
     if (cookie.fExpiresSet != FALSE) {
         line += L"; Expires=" + FormatFileTime(cookie.ftExpires);
     }

@@ -103,7 +103,7 @@ void AttributeReader::ReadExpires(std::wstring_view value) {
 
 } // namespace
 
-// The copy lets the header be one of the record's own texts.
+// The interface takes the header by value.
 // cppcheck-suppress passedByValue
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool ParseSetCookie(CookieRecord& cookie, std::wstring header) {

@@ -12,6 +12,13 @@ using Microsoft::WRL::ComPtr;
 namespace kelda {
 namespace {
 
+constexpr bool HasNumberOf(CookieSameSite sameSite, COREWEBVIEW2_COOKIE_SAME_SITE_KIND kind) {
+    return static_cast<COREWEBVIEW2_COOKIE_SAME_SITE_KIND>(sameSite) == kind;
+}
+static_assert(HasNumberOf(CookieSameSite::None, COREWEBVIEW2_COOKIE_SAME_SITE_KIND_NONE));
+static_assert(HasNumberOf(CookieSameSite::Lax, COREWEBVIEW2_COOKIE_SAME_SITE_KIND_LAX));
+static_assert(HasNumberOf(CookieSameSite::Strict, COREWEBVIEW2_COOKIE_SAME_SITE_KIND_STRICT));
+
 using TextGetter = HRESULT (STDMETHODCALLTYPE ICoreWebView2Cookie::*)(LPWSTR*);
 
 void ReadText(std::wstring& text, ICoreWebView2Cookie* source, TextGetter getter) {

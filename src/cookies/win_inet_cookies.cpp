@@ -3,6 +3,7 @@
 
 #include "cookies/cookie_text.h"
 #include "cookies/cookie_time.h"
+#include "cookies/text_or_empty.h"
 #include "du/string_utilities.h"
 #include "support/trace.h"
 
@@ -32,7 +33,8 @@ CookieSameSite SameSiteOf(DWORD flags) {
     return (flags & INTERNET_COOKIE_SAME_SITE_STRICT) != 0 ? CookieSameSite::Strict : CookieSameSite::None;
 }
 
-/// The structure serves reading and writing, so that its texts are not const; a store that is written to leaves them alone.
+/// The structure serves reading and writing, so that its texts are not const; a store that is written to leaves them
+/// alone.
 PWSTR Borrow(const std::wstring& text) {
     return const_cast<PWSTR>(text.c_str());
 }
@@ -40,10 +42,6 @@ PWSTR Borrow(const std::wstring& text) {
 /// What is not given, the store takes from the address.
 PWSTR BorrowIfGiven(const std::wstring& text) {
     return text.empty() ? nullptr : Borrow(text);
-}
-
-std::wstring TextOf(PCWSTR text) {
-    return text != nullptr ? text : L"";
 }
 
 } // namespace
@@ -89,10 +87,10 @@ bool SetWinInetCookie(const CookieRecord& cookie, const std::wstring& url) {
 }
 
 void FromWinInetCookie(CookieRecord& cookie, const INTERNET_COOKIE2& source) {
-    cookie.name = TextOf(source.pwszName);
-    cookie.value = TextOf(source.pwszValue);
-    cookie.domain = TextOf(source.pwszDomain);
-    cookie.path = TextOf(source.pwszPath);
+    cookie.name = TextOrEmpty(source.pwszName);
+    cookie.value = TextOrEmpty(source.pwszValue);
+    cookie.domain = TextOrEmpty(source.pwszDomain);
+    cookie.path = TextOrEmpty(source.pwszPath);
     cookie.secure = (source.dwFlags & INTERNET_COOKIE_IS_SECURE) != 0 ? 1 : 0;
     cookie.httpOnly = (source.dwFlags & INTERNET_COOKIE_HTTPONLY) != 0 ? 1 : 0;
     cookie.sameSite = SameSiteOf(source.dwFlags);

@@ -1,4 +1,5 @@
-// The system's WinINet cookie store. It is shared by the whole process, the host's downloads included; no lock is taken here.
+// The system's WinINet cookie store. It is shared by the whole process, the host's downloads included; no lock is taken
+// here.
 #pragma once
 
 #include <span>
@@ -23,8 +24,8 @@ void WINAPI InternetFreeCookies(INTERNET_COOKIE2* cookies, DWORD count);
 
 namespace kelda {
 
-/// What the store would send to an address when it is asked: cookies of every name, HttpOnly ones included. A call that fails
-/// finds none. Their texts may be null. Freed with this object.
+/// What the store would send to an address when it is asked: cookies of every name, HttpOnly ones included. A call that
+/// fails finds none. Their texts may be null. Freed with this object.
 class WinInetCookies {
   public:
     explicit WinInetCookies(const std::wstring& url);
@@ -43,7 +44,8 @@ class WinInetCookies {
 /// @return whether the call succeeded, even if the store has refused or changed the cookie.
 bool SetWinInetCookie(const CookieRecord& cookie, const std::wstring& url);
 
-/// Fills `cookie`, which holds the defaults, from one of the store; a null text counts as empty. Its `session` is left as it is.
+/// Fills `cookie`, which holds the defaults, from one of the store; a null text counts as empty. Its `session` is left
+/// as it is.
 void FromWinInetCookie(CookieRecord& cookie, const INTERNET_COOKIE2& source);
 
 /// Traces what the store would send to `url`, a line a cookie.

@@ -1,7 +1,9 @@
 // The modal login dialog.
 //
-// Of the toolkit's answers two are looked at: whether there is a device, and whether there is a window for the browser. What
-// else can fail is the use of a device that is gone already, which is as good as success.
+// Of the toolkit's answers two are looked at: whether there is a device, and whether there is a window for the browser. No
+// other is. Where the device gets no windows, for want of memory, the question for the browser's fails as well and is traced,
+// and activation returns at once, so that the result is false. To exit or destroy a device that is gone already is as good as
+// success.
 #include "dialog/form_based_authentication_dialog.h"
 
 #include <exception>
@@ -117,7 +119,7 @@ void FormBasedAuthenticationDialog::CloseDevice() noexcept {
     ui_destroy_device(kDevice);
 }
 
-// The browser is in the middle of its page's call: it is destroyed here, but `RetainedBrowser` keeps it.
+// `Destroy` is called on the browser in here; the dialog, then `RetainedBrowser`, keeps the object.
 void FormBasedAuthenticationDialog::OnSessionAuthenticated() {
     TraceCallback("OnSessionAuthenticated");
     state_ = {.authenticated = true, .deviceActive = false};

@@ -20,8 +20,8 @@ template <typename Target>
 using CallbackTarget = std::shared_ptr<Target*>;
 
 /// Implements a COM interface whose only method is `Invoke` by calling `member` of the target. Once the target has
-/// stopped listening it answers S_OK and does nothing: late completions are normal. An exception ends here, in the trace.
-/// Single-threaded: the count is a plain integer.
+/// stopped listening it answers S_OK and does nothing: late completions are normal. An exception ends here, in the
+/// trace. Single-threaded: the count is a plain integer.
 template <typename Interface, typename Target, typename... Parameters>
 class ComCallback final : public Interface {
   public:

@@ -1,8 +1,7 @@
 // Decimal numbers.
 #include "support/number.h"
 
-#include <cerrno>
-#include <cwchar>
+#include <algorithm>
 #include <limits>
 #include <stdexcept>
 
@@ -14,19 +13,38 @@ struct ErrorTexts {
     const char* outOfRange;
 };
 
+bool IsWhiteSpace(wchar_t c) {
+    return c == L' ' || (c >= L'\t' && c <= L'\r');
+}
+
+bool IsDigit(wchar_t c) {
+    return c >= L'0' && c <= L'9';
+}
+
 template <typename Number>
 Number Convert(const std::wstring& text, const ErrorTexts& errors) {
     using Limits = std::numeric_limits<Number>;
-    wchar_t* end = nullptr;
-    errno = 0;
-    const long long number = std::wcstoll(text.c_str(), &end, 10);
-    if (end == text.c_str()) {
+    auto next = std::ranges::find_if_not(text, IsWhiteSpace);
+    const bool isNegative = next != text.end() && *next == L'-';
+    if (isNegative || (next != text.end() && *next == L'+')) {
+        ++next;
+    }
+    if (next == text.end() || !IsDigit(*next)) {
         throw std::invalid_argument(errors.invalid);
     }
-    if (errno == ERANGE || number < Limits::min() || number > Limits::max()) {
+    // Counted downwards: the range reaches further there.
+    Number number = 0;
+    for (; next != text.end() && IsDigit(*next); ++next) {
+        const int digit = *next - L'0';
+        if (number < (Limits::min() + digit) / 10) {
+            throw std::out_of_range(errors.outOfRange);
+        }
+        number = number * 10 - digit;
+    }
+    if (!isNegative && number == Limits::min()) {
         throw std::out_of_range(errors.outOfRange);
     }
-    return static_cast<Number>(number);
+    return isNegative ? number : -number;
 }
 
 } // namespace

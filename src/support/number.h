@@ -6,7 +6,8 @@
 
 namespace kelda {
 
-/// The decimal number at the start of `text`, after white space and a sign; what follows its digits is ignored.
+/// The decimal number at the start of `text`, after white space and a sign; what follows its digits is ignored. White
+/// space, signs and digits are those of ASCII, in every locale.
 /// Throws std::invalid_argument "invalid stoi argument" without a digit, std::out_of_range "stoi argument out of range"
 /// where it does not fit.
 int ToInt(const std::wstring& text);

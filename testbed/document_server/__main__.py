@@ -83,7 +83,7 @@ def command_line() -> argparse.ArgumentParser:
                         help="kind of a viewer's login page: form (the default), silent and twice are a form "
                              "after which the session is reported once, never or twice; report logs in and "
                              "reports without any input; broken closes the connection without an answer; "
-                             "refused-status answers 500")
+                             "refused-status answers 500; stalled does not answer for a minute")
     parser.add_argument("--back-ends", type=back_end_count, metavar="N",
                         help="put a load balancer with so many back-ends before the server, each with "
                              "sessions of its own; without this there is none")

@@ -68,7 +68,11 @@ def slow(exchange: Exchange) -> None:
 
 def stall(exchange: Exchange) -> None:
     """Nothing at all for ?seconds=S (default 10, at most 60), then closes."""
-    seconds = exchange.number_option("seconds", 10, 0, LONGEST_WAIT_SECONDS)
+    stay_silent(exchange, exchange.number_option("seconds", 10, 0, LONGEST_WAIT_SECONDS))
+
+
+def stay_silent(exchange: Exchange, seconds: float) -> None:
+    """Holds the connection for so long, and closes it without an answer."""
     exchange.keep_alive = False
     exchange.log(None)
     time.sleep(seconds)

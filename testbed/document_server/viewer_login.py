@@ -4,7 +4,7 @@ from collections.abc import Callable
 from functools import partial
 
 from .exchange import HTML, Exchange
-from .hostile import drop
+from .hostile import LONGEST_WAIT_SECONDS, drop, stay_silent
 from .login import done_page, form_has_credentials, show_form
 from .session_cookie import admits_session, open_session
 
@@ -44,4 +44,5 @@ LOGIN_PAGES: dict[str, Callable[[Exchange], None]] = {
     "report": partial(_log_in, reports=1),
     "broken": drop,
     "refused-status": _refused,
+    "stalled": partial(stay_silent, seconds=LONGEST_WAIT_SECONDS),
 }

@@ -25,8 +25,8 @@ std::wstring BareDomain(std::wstring_view domain);
 /// Whether a cookie of that domain belongs to the host. `bareDomain` is one that `BareDomain` has made.
 bool DomainCovers(std::wstring_view bareDomain, std::wstring_view host);
 
-/// Whether Wine's store sends a cookie of that path to the URL's: it compares the beginning of the URL's directory. So a
-/// cookie for `/docs` goes to `/docs/`, but also to `/docs-old/`, and not to `/docs`.
+/// Whether Wine's store sends a cookie of that path to the URL's: it compares the beginning of the URL's directory. So
+/// a cookie for `/docs` goes to `/docs/`, but also to `/docs-old/`, and not to `/docs`.
 bool PathCovers(std::wstring_view cookiePath, std::wstring_view path);
 
 /// ASCII letters as small ones: upper and lower case are the same in Wine's store, other letters' cases are not.

@@ -19,6 +19,12 @@ struct CookieDetails {
     /// A cookie without a name is sent as its value alone, and just so is one that has an empty value.
     const std::wstring& SentName() const { return name ? *name : *value; }
     std::wstring SentValue() const { return name ? value.value_or(L"") : L""; }
+
+    bool IsOver() const {
+        FILETIME now{};
+        GetSystemTimeAsFileTime(&now);
+        return expires && CompareFileTime(&*expires, &now) <= 0;
+    }
 };
 
 } // namespace windows_gaps

@@ -5,8 +5,8 @@
 #include <array>
 #include <cstdio>
 #include <cwchar>
+#include <exception>
 #include <mutex>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -97,12 +97,6 @@ std::optional<std::wstring> ExpiryText(const CookieDetails& cookie) {
     return text.data();
 }
 
-bool IsOver(const CookieDetails& cookie) {
-    FILETIME now{};
-    GetSystemTimeAsFileTime(&now);
-    return cookie.expires && CompareFileTime(&*cookie.expires, &now) <= 0;
-}
-
 /// Writes into the store, and remembers what was written.
 DWORD Store(const CookieAddress& address, const CookieDetails& cookie, const std::wstring& expiryText,
             bool mayBeHttpOnly, DWORD& state) {
@@ -117,7 +111,7 @@ DWORD Store(const CookieAddress& address, const CookieDetails& cookie, const std
     default:
         break;
     }
-    if (IsOver(cookie)) {
+    if (cookie.IsOver()) {
         Table().Forget(cookie);
     } else {
         Table().Remember(cookie);
@@ -162,8 +156,8 @@ DWORD WINAPI GetCookies(PCWSTR url, PCWSTR name, DWORD flags, INTERNET_COOKIE2**
     *cookies = array.release();
     *count = static_cast<DWORD>(found.size());
     return ERROR_SUCCESS;
-} catch (const std::bad_alloc&) {
-    return ERROR_NOT_ENOUGH_MEMORY;
+} catch (const std::exception&) {
+    return ERROR_NOT_ENOUGH_MEMORY; // what else could be missing is made of memory too
 }
 
 DWORD WINAPI SetCookie(PCWSTR url, const INTERNET_COOKIE2* cookie, PCWSTR /*policy*/, DWORD flags,
@@ -187,8 +181,8 @@ DWORD WINAPI SetCookie(PCWSTR url, const INTERNET_COOKIE2* cookie, PCWSTR /*poli
         return ERROR_INVALID_PARAMETER;
     }
     return Store(address, *details, *expiryText, (flags & INTERNET_COOKIE_NON_SCRIPT) != 0, *state);
-} catch (const std::bad_alloc&) {
-    return ERROR_NOT_ENOUGH_MEMORY;
+} catch (const std::exception&) {
+    return ERROR_NOT_ENOUGH_MEMORY; // what else could be missing is made of memory too
 }
 
 void WINAPI FreeCookies(INTERNET_COOKIE2* cookies, DWORD /*count*/) {

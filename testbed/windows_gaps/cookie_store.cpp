@@ -20,8 +20,8 @@ std::wstring CookieLine(const CookieAddress& address, DWORD flags) {
     std::wstring line;
     DWORD size = 0;
     do {
-        // For too small a buffer Wine tells the size in bytes, which is enough in characters. By then the store may have
-        // grown.
+        // For too small a buffer Wine tells the size in bytes, which is enough in characters. By then the store may
+        // have grown.
         line.assign(size, L'\0');
     } while (InternetGetCookieExW(url.c_str(), nullptr, line.data(), &size, flags, nullptr) == FALSE &&
              GetLastError() == ERROR_INSUFFICIENT_BUFFER);

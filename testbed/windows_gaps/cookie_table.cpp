@@ -1,5 +1,5 @@
-// Finds what was written by name and value, and each of it for one cookie of the store only: the store may hold the same
-// name and value for several paths.
+// Finds what was written by name and value, and each of it for one cookie of the store only: the store may hold the
+// same name and value for several paths.
 #include "cookie_table.h"
 
 #include <set>
@@ -22,8 +22,10 @@ std::vector<CookieDetails> CookieTable::Describe(const std::vector<StoredCookie>
         for (auto known = cookies_.lower_bound({name, {}, {}});
              known != cookies_.end() && known->first.name == name; ++known) {
             const auto& [key, details] = *known;
-            if (details.SentValue() == cookie.value && DomainCovers(key.domain, address.host) &&
-                PathCovers(key.path, address.path) && described.insert(&details).second) {
+            // The store has dropped what is over: what it returns is another's, a server's.
+            if (!details.IsOver() && details.SentValue() == cookie.value &&
+                DomainCovers(key.domain, address.host) && PathCovers(key.path, address.path) &&
+                described.insert(&details).second) {
                 return &details;
             }
         }

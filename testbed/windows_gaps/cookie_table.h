@@ -1,5 +1,5 @@
-// What is known of the cookies that were written here. Wine's store keeps the cookies themselves, but tells no more of one
-// than its name and value.
+// What is known of the cookies that were written here. Wine's store keeps the cookies themselves, but tells no more of
+// one than its name and value.
 #pragma once
 
 #include <map>
@@ -24,8 +24,8 @@ class CookieTable {
     void Forget(const CookieDetails& cookie);
 
     /// Describes just what the store has for the address. A cookie whose value is not the one that was written has been
-    /// changed by the server, and nothing that was written holds for it any longer: it and the ones that were never written
-    /// get the address's host, the path "/" and `serverFlags`.
+    /// changed by the server, and nothing that was written holds for it any longer: it and the ones that were never
+    /// written get the address's host, the path "/" and `serverFlags`.
     std::vector<CookieDetails> Describe(const std::vector<StoredCookie>& stored, const CookieAddress& address,
                                         DWORD serverFlags) const;
 

@@ -1,11 +1,14 @@
-"""A person at the display: sees windows and colours, presses keys and mouse buttons, through the display's own input."""
+"""A person at the display: sees windows and colours, and uses the display's own keyboard and mouse."""
 
+import re
 import subprocess
 
 from tests.e2e.browser_host import await_condition, pixel_of_display
 
-# Of the title bar and the frame that Wine draws; the middle of the close button is so far from the window's top right corner.
+# In the frame that Wine draws: the middle of the close button is so far from the top right corner of the window, and so near
+# to its bottom right corner the frame can be taken hold of.
 CLOSE_BUTTON = (14, 13)
+CORNER = 2
 
 
 class Person:
@@ -40,6 +43,19 @@ class Person:
         """Presses the close button of the title bar."""
         self.click(self.width - CLOSE_BUTTON[0], CLOSE_BUTTON[1])
 
+    def resize(self, width: int, height: int) -> None:
+        """Draws the bottom right corner of the window to where it gets that size."""
+        right, bottom = self.left + self.width - CORNER, self.top + self.height - CORNER
+        _xdotool("mousemove", "--sync", str(right), str(bottom), "mousedown", "1",
+                 "mousemove", "--sync", str(right + width - self.width), str(bottom + height - self.height), "mouseup", "1")
+        await_condition(lambda: self._locate() == (width, height), f"{width} x {height} of {self.title!r}")
+
+    def colour_count(self) -> int:
+        """How many different colours there are in the window's lower half."""
+        area = f"{self.width - 20}x{self.height // 2}+{self.left + 10}+{self.top + self.height // 2 - 10}"
+        command = ["convert", "x:root", "-crop", area, "-format", "%k", "info:"]
+        return int(subprocess.run(command, check=True, capture_output=True, text=True).stdout)
+
     @staticmethod
     def type(text: str) -> None:
         """Types a text, key by key."""
@@ -50,10 +66,11 @@ class Person:
         """Presses keys, one after the other."""
         _xdotool("key", "--delay", "30", *keys)
 
-    def _locate(self) -> None:
+    def _locate(self) -> tuple[int, int]:
         answer = _xdotool("getwindowgeometry", "--shell", _windows(self.title)[0])
         values = dict(line.split("=") for line in answer.split())
         self.left, self.top, self.width, self.height = (int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
+        return self.width, self.height
 
 
 def _xdotool(*arguments: str) -> str:
@@ -67,5 +84,9 @@ def title_of_focus() -> str:
 
 
 def _windows(title: str) -> list[str]:
-    finished = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"], capture_output=True, text=True)
+    command = ["xdotool", "search", "--onlyvisible", "--name", f"^{re.escape(title)}$"]
+    finished = subprocess.run(command, capture_output=True, text=True)
+    # 1 without a word means that there is none.
+    if finished.returncode > 1 or finished.stderr:
+        raise RuntimeError(f"the display cannot be searched: {finished.stderr}")
     return finished.stdout.split()

@@ -41,13 +41,18 @@ class BrowserInAWindow(BrowserCase):
         self.assertEqual({request["headers"]["Accept"] for request in self.server.requests()}, {"*/*"})
 
     def test_a_page_that_calls_the_host_object_reports_its_session_once(self) -> None:
-        host = self.host(server_url=self.server.url + "/login/report?for=", MERIDO_ZANWEBBROWSER_IMPLEMENTATION="parse")
-        host.tell("create")
-        host.await_event("authenticated")
-        call = "[0] ZanWebBrowserEdge::Invoke DISPATCH_METHOD - dispIdMember == DISPID_NORV"
-        await_condition(lambda: host.trace().count(call) == 2, "the page's second call")
-        self.assertEqual(host.trace().count("[0] OnSessionAuthenticated();"), 1)
-        self.assertNotIn("authenticated", host.events())
+        for words in ("", "parse"):
+            with self.subTest(words):
+                host = self.host(server_url=self.server.url + "/login/report?for=",
+                                 MERIDO_ZANWEBBROWSER_IMPLEMENTATION=words)
+                host.tell("create")
+                host.await_event("authenticated")
+                call = "[0] ZanWebBrowserEdge::Invoke DISPATCH_METHOD - dispIdMember == DISPID_NORV"
+                await_condition(lambda: host.trace().count(call) == 2, "the page's second call")
+                self.assertEqual(host.trace().count("[0] OnSessionAuthenticated();"), 1)
+                self.assertNotIn("authenticated", host.events())
+                host.tell("close-release")
+                self.assert_no_browser_process()
 
     def test_nothing_is_left_after_several_browsers(self) -> None:
         host = self.host()
@@ -97,11 +102,14 @@ class Words(BrowserCase):
         host = self.host(MERIDO_ZANWEBBROWSER_IMPLEMENTATION="devtools,nosso,inprivate,trace")
         self.assertEqual(host.tell("create"), "webview2")
         host.await_event("completed")
+        address = f"{self.server.url}/qxcore/jsp/qvs/vislogon.jsp"
         self.assertEqual(host.trace(), [
             "[0] WebView2 runtime found, version 146.0.3856.49",
             "[0] The COM library was initialized successfully",
             "[0] Using InPrivate mode",
-            f"[0] Navigating to {self.server.url}/qxcore/jsp/qvs/vislogon.jsp",
+            f"[0] WinInet cookies before navigating to {address}",
+            f"[0] WinInet cookies for {address}",
+            f"[0] Navigating to {address}",
         ])
 
 
@@ -115,6 +123,13 @@ class FailedLoad(BrowserCase):
         self.assertEqual(host.events(), [])
         host.tell("close-release")
         self.assert_no_browser_process()
+
+    def test_an_address_with_the_empty_script_in_it_is_never_asked_for(self) -> None:
+        host = self.host(server_url=self.server.url + "/?javascript:void(0)&for=")
+        host.tell("create")
+        failed = "[0] Navigation failed. Leaving Edge control visible for user to read message"
+        await_condition(lambda: failed in host.trace(), "the trace of the failed navigation")
+        self.assertEqual(self.server.requests(), [])
 
     def test_a_server_that_is_not_there_is_traced_and_the_browser_stays(self) -> None:
         self.server.stop()

@@ -1,4 +1,4 @@
-"""A server behind a load balancer: the login page and the documents come from the back-end that the host's first download got."""
+"""A server behind a load balancer: login page and documents come from the back-end that the host's first download got."""
 
 from tests.e2e.browser_host import BrowserHost, await_condition
 from tests.e2e.login_case import LoginCase

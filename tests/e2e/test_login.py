@@ -7,7 +7,7 @@ from tests.e2e.browser_case import PICTURES
 from tests.e2e.browser_host import await_condition, save_picture
 from tests.e2e.login_case import LoginCase, Viewer
 from tests.e2e.person import title_of_focus
-from tests.flow.viewer_case import windows_path
+from tests.flow.viewer_case import PASSWORD, USER, windows_path
 
 LOGGED_IN, NOT_LOGGED_IN = 0, 3
 NOT_LOGGED_IN_LINE = "viewer: not logged in: the server wants its web login form filled in."
@@ -72,6 +72,28 @@ class Login(DownloadCase):
         self.assert_downloaded(viewer)
         self.assertIn("ZanWebBrowserEdge 0 Using InPrivate mode", viewer.trace())
 
+    def test_the_page_has_the_keyboard_without_a_click(self) -> None:
+        viewer = self.start_download()
+        person = self.dialog()
+        self.await_page(person)
+        person.type(USER)
+        person.press("Tab")
+        person.type(PASSWORD)
+        person.press("Return")
+        self.assert_downloaded(viewer)
+
+    def test_the_page_follows_the_size_of_the_dialog(self) -> None:
+        viewer = self.start_download()
+        person = self.dialog()
+        self.assertEqual((person.width, person.height), (500, 500))
+        self.await_page(person)
+        person.resize(640, 420)
+        self.await_page(person)
+        person.resize(400, 600)
+        self.await_page(person)
+        self.log_in(person)
+        self.assert_downloaded(viewer)
+
 
 class ClosedDialog(DownloadCase):
     def test_the_close_button_means_no_login(self) -> None:
@@ -81,9 +103,15 @@ class ClosedDialog(DownloadCase):
         person.close()
         self.assert_not_logged_in(viewer)
 
+
+class StalledPage(DownloadCase):
+    server_options = ("--login-page", "stalled")
+
     def test_the_dialog_can_be_closed_before_the_page_is_there(self) -> None:
         viewer = self.start_download()
-        self.dialog().press("alt+F4")
+        person = self.dialog()
+        await_condition(lambda: len(self.server.requests()) == 2, "the request for the page")
+        person.press("alt+F4")
         self.assert_not_logged_in(viewer)
 
 
@@ -104,7 +132,7 @@ class SilentPage(DownloadCase):
 class RepeatedReport(DownloadCase):
     server_options = ("--login-page", "twice")
 
-    def test_the_second_report_of_a_page_counts_for_nothing(self) -> None:
+    def test_a_page_that_reports_twice_logs_in_once(self) -> None:
         viewer = self.start_download()
         person = self.dialog()
         self.await_page(person)
@@ -118,6 +146,7 @@ class FailedLoad(DownloadCase):
         viewer = self.start_download()
         person = self.dialog()
         await_condition(lambda: LOAD_FAILED in viewer.trace(), "the trace of the failed load")
+        await_condition(lambda: person.colour_count() > 1, "the error page")
         self.assertEqual(title_of_focus(), person.title, "the dialog is still there")
         person.close()
         self.assert_not_logged_in(viewer)

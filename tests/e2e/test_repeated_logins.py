@@ -23,6 +23,20 @@ class TwoLogins(LoginCase):
             sessions.append(self.server.requests()[-1]["headers"]["Cookie"])
         self.assertNotEqual(*sessions)
 
+    def test_a_dialog_that_is_closed_means_no_login_although_cookies_are_set(self) -> None:
+        host = self.host(server_url=self.server.url + "/")
+        host.tell("login")
+        person = self.dialog("Log in")
+        self.await_page(person)
+        self.log_in(person)
+        host.await_event("login true")
+        host.tell("login")
+        person = self.dialog("Log in")
+        self.await_page(person)
+        person.close()
+        host.await_event("login false")
+        self.assertEqual(host.tell("get documents/plan?size=1000"), "1000 bytes")
+
 
 class ManyLogins(BrowserCase):
     """A login page that reports without any input."""

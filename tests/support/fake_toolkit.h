@@ -75,6 +75,7 @@ class FakeToolkit {
     };
     static constexpr const char* kLibrary = "host_toolkit.dll";
     static constexpr int kUnknown = 1;
+    static constexpr int kNameTaken = 5;
 
     static void* Patch(void* function) {
         return testbed::PatchImport(GetModuleHandleW(nullptr), kLibrary, "ui_modify", function);
@@ -92,6 +93,18 @@ class FakeToolkit {
         }
         const auto answer = answers.find(function);
         return answer != answers.end() ? answer->second : present;
+    }
+
+    // The name of a device that exists is taken; that device is not touched.
+    int Create(const std::string& arguments, const char* text) {
+        const std::string function = "ui_create_device_from_string";
+        if (exists_) {
+            Record(function + arguments);
+            return kNameTaken;
+        }
+        description = text;
+        exists_ = answers.count(function) == 0;
+        return Call(function, arguments);
     }
 
     // Every value but the title's is a number.
@@ -122,9 +135,7 @@ class FakeToolkit {
     ReplacedImport<struct ToolkitCreate, decltype(ui_create_device_from_string)> create_{
         kLibrary, "ui_create_device_from_string",
         [this](const char* device, const char* dialog, const char* text) {
-            description = text;
-            exists_ = answers.count("ui_create_device_from_string") == 0;
-            return Call("ui_create_device_from_string", Named(device) + Named(dialog));
+            return Create(Named(device) + Named(dialog), text);
         }};
     ReplacedImport<struct ToolkitAdd, decltype(ui_add_action)> add_{
         kLibrary, "ui_add_action",

@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include "cookies/text_or_empty.h"
 #include "cookies/win_inet_cookies.h"
 #include "du/string_utilities.h"
 #include "tests/support/replaced_import.h"
@@ -19,7 +20,8 @@
 
 namespace test_support {
 
-/// Records every call. Arrays that it has handed out count as living fakes until they are freed. There may be one at a time.
+/// Records every call. Arrays that it has handed out count as living fakes until they are freed. There may be one store
+/// at a time.
 class FakeWinInetStore {
   public:
     FakeWinInetStore() = default;
@@ -100,7 +102,7 @@ class FakeWinInetStore {
         if (duringSet) {
             duringSet();
         }
-        const auto own = setterAnswers.find(cookie->pwszName);
+        const auto own = setterAnswers.find(kelda::TextOrEmpty(cookie->pwszName));
         const Answer& answer = own != setterAnswers.end() ? own->second : setterAnswer;
         if (reportsState) {
             *state = answer.state;

@@ -22,6 +22,14 @@ void Record(std::string entry) {
     Entries().push_back(std::move(entry));
 }
 
+Lines InTurn(std::initializer_list<Lines> parts) {
+    Lines all;
+    for (const Lines& part : parts) {
+        all.insert(all.end(), part.begin(), part.end());
+    }
+    return all;
+}
+
 std::string Hexadecimal(unsigned long value) {
     std::array<char, 16> text{};
     std::snprintf(text.data(), text.size(), "0x%08lX", value);

@@ -1,6 +1,7 @@
 // One list of what happened in a test, in order: calls of fakes and replaced system functions, and trace lines.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,9 @@ using Lines = std::vector<std::string>;
 
 /// Adds an entry to the running test's transcript.
 void Record(std::string entry);
+
+/// All lines of the parts, in their order.
+Lines InTurn(std::initializer_list<Lines> parts);
 
 /// "0x" and eight hexadecimal digits.
 std::string Hexadecimal(unsigned long value);
@@ -31,8 +35,8 @@ class LiveFake {
     static inline int count = 0;
 };
 
-/// Starts with an empty transcript, to which trace lines go as "[type] text", and fails a test that leaves a fake alive.
-/// Lines that do not come from the library's `component` are marked with where they come from.
+/// Starts with an empty transcript, to which trace lines go as "[type] text", and fails a test that leaves a fake
+/// alive. Lines that do not come from the library's `component` are marked with where they come from.
 class TranscriptTest : public ::testing::Test {
   protected:
     explicit TranscriptTest(const char* component = "ZanBasicAuthentication");

@@ -1,8 +1,8 @@
 // The calls of the host UI toolkit that are made here. A device is a top-level window of the host, known by its name; its
 // components are known by names within it.
 //
-// Every function answers 0 for success and another number for wrong use: an unknown device, component or code. All are
-// called on the thread that made the device. Texts are UTF-8 where they are narrow.
+// Every function answers 0 for success and another number for wrong use: an unknown device, component or code, or another
+// thread. All are called on one thread, that of the first call. Texts are UTF-8 where they are narrow.
 #pragma once
 
 #if defined(HOST_TOOLKIT_BUILDING_LIBRARY)

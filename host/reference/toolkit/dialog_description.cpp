@@ -27,6 +27,8 @@ Placement PlacementOf(const ResourceAttributes& attributes) {
 constexpr Placement kEverywhere = {
     .left = {true, 0}, .right = {true, 0}, .top = {true, 0}, .bottom = {true, 0}};
 
+constexpr int kDepthOfDialog = 1;
+
 class Composer {
   public:
     explicit Composer(const Blocks& layouts) : layouts_(layouts) {}
@@ -82,6 +84,16 @@ void CheckSubLayouts(const Blocks& blocks, const Blocks& layouts) {
     }
 }
 
+/// Also what is not part of the dialog that was asked for: none of it uses a name twice or goes too deep.
+void CheckComposition(const Blocks& dialogs, const Blocks& layouts) {
+    for (const auto& [name, block] : dialogs) {
+        Composer(layouts).Compose(block, kEverywhere, kDepthOfDialog);
+    }
+    for (const auto& [name, block] : layouts) {
+        Composer(layouts).Compose(block, kEverywhere, kDepthOfDialog + 1);
+    }
+}
+
 void AddBlock(Blocks& blocks, ResourceBlock block) {
     const int line = block.line;
     const std::string name = block.name;
@@ -108,7 +120,8 @@ DialogDescription ReadDialog(std::string_view description, std::string_view dial
     }
     const ResourceAttributes& attributes = found->second.attributes;
     Composer composer(layouts);
-    Element page = composer.Compose(found->second, kEverywhere, 1);
+    Element page = composer.Compose(found->second, kEverywhere, kDepthOfDialog);
+    CheckComposition(dialogs, layouts);
     return {.bitmap = attributes.bitmap,
             .titleBarImage = attributes.titleBarImage,
             .alwaysOnTop = attributes.alwaysOnTop,

@@ -23,16 +23,13 @@ struct DialogAttributes {
     int height = 0;
 };
 
-/// Belongs to the thread that makes it; always held by shared pointers. The registry holds one until the device is destroyed,
-/// and so does each call of a member that calls out, and each message: any of them may be the one that destroys it.
+/// Always held by shared pointers. The registry holds one until the device is destroyed, and so does each call of a member
+/// that calls out, and each message: any of them may be the one that destroys it.
 ///
 /// All results are those of results.h.
 class DialogDevice : public std::enable_shared_from_this<DialogDevice> {
   public:
     explicit DialogDevice(DialogDescription description);
-
-    /// Whether this is the thread that it belongs to.
-    bool IsHere() const noexcept { return GetCurrentThreadId() == thread_; }
 
     int Modify(const DialogAttributes& attributes);
 
@@ -87,7 +84,6 @@ class DialogDevice : public std::enable_shared_from_this<DialogDevice> {
     void CallHandlers(const ActionHandlers& handlers) const;
 
     const DialogDescription description_;
-    const DWORD thread_ = GetCurrentThreadId();
     std::wstring title_;
     int width_ = 400; ///< Of the window that will be made.
     int height_ = 300;

@@ -7,17 +7,12 @@
 #include "toolkit/device_registry.h"
 #include "toolkit/dialog_description.h"
 #include "toolkit/dialog_device.h"
+#include "toolkit/toolkit_thread.h"
 #include "ui/ui.h"
 
 namespace host_reference {
 
 namespace {
-
-/// A dialog that may be used on this thread, or null.
-std::shared_ptr<DialogDevice> FindHere(const char* device) {
-    auto dialog = DeviceRegistry::Instance().FindDialog(device);
-    return dialog && dialog->IsHere() ? dialog : nullptr;
-}
 
 /// Calls `function` with the dialog of that name.
 template <typename Function>
@@ -26,7 +21,10 @@ int WithDialog(const char* device, Function function) {
         if (device == nullptr) {
             return kMissingArgument;
         }
-        const auto dialog = FindHere(device);
+        if (!IsToolkitThread()) {
+            return kWrongThread;
+        }
+        const auto dialog = DeviceRegistry::Instance().FindDialog(device);
         return dialog ? function(*dialog) : kUnknownDevice;
     });
 }
@@ -43,6 +41,9 @@ int CheckComponent(const DialogDevice& dialog, std::string_view device, std::str
 int CreateDialogDevice(const char* device, const char* dialog, const char* description) {
     if (device == nullptr || *device == '\0' || dialog == nullptr || description == nullptr) {
         return kMissingArgument;
+    }
+    if (!IsToolkitThread()) {
+        return kWrongThread;
     }
     DeviceRegistry& registry = DeviceRegistry::Instance();
     if (registry.Knows(device)) {

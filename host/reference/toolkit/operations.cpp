@@ -6,6 +6,7 @@
 #include "toolkit/device_registry.h"
 #include "toolkit/dialog_device.h"
 #include "toolkit/results.h"
+#include "toolkit/toolkit_thread.h"
 #include "ui/ui.h"
 
 namespace host_reference {
@@ -39,6 +40,9 @@ int ui_do_operation(const char* device, const char* component, int operation, in
 
     if (device == nullptr || component == nullptr || output == nullptr) {
         return kMissingArgument;
+    }
+    if (!IsToolkitThread()) {
+        return kWrongThread;
     }
     HWND window = nullptr;
     const int result = FindWindowOf(device, component, window);

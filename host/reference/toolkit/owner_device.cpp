@@ -8,6 +8,7 @@
 #include "toolkit/device_registry.h"
 #include "toolkit/module.h"
 #include "toolkit/results.h"
+#include "toolkit/toolkit_thread.h"
 
 namespace host_reference {
 
@@ -48,6 +49,9 @@ int CreateOwnerDevice(const char* name, const wchar_t* title) {
     if (name == nullptr || *name == '\0') {
         return kMissingArgument;
     }
+    if (!IsToolkitThread()) {
+        return kWrongThread;
+    }
     DeviceRegistry& registry = DeviceRegistry::Instance();
     if (registry.Knows(name)) {
         return kNameTaken;
@@ -69,6 +73,9 @@ int CreateOwnerDevice(const char* name, const wchar_t* title) {
 int DestroyOwnerDevice(const char* name) {
     if (name == nullptr) {
         return kMissingArgument;
+    }
+    if (!IsToolkitThread()) {
+        return kWrongThread;
     }
     HWND window = DeviceRegistry::Instance().FindOwner(name);
     if (window == nullptr) {

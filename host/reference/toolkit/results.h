@@ -16,5 +16,6 @@ inline constexpr int kUnknownAttribute = 9;
 inline constexpr int kUnknownAction = 10;
 inline constexpr int kValueOutOfRange = 11;
 inline constexpr int kWrongOrder = 12; ///< Not at this stage of the device's life.
+inline constexpr int kWrongThread = 13;
 
 } // namespace host_reference

@@ -1,10 +1,11 @@
-// Timers that belong to no window: every message loop of the thread serves them.
+// Timers that belong to no window: every message loop of the toolkit's thread serves them.
 #include <windows.h>
 
 #include <map>
 
 #include "toolkit/boundary.h"
 #include "toolkit/module.h"
+#include "toolkit/toolkit_thread.h"
 #include "ui/ui.h"
 
 namespace host_reference {
@@ -61,6 +62,9 @@ int ui_set_timer(int milliseconds, UiCallback callback, void* data) {
     }
     if (milliseconds < 0) {
         return kValueOutOfRange;
+    }
+    if (!IsToolkitThread()) {
+        return kWrongThread;
     }
     return Guarded([&] { return SetOneShotTimer(milliseconds, {callback, data}); });
 }

@@ -49,8 +49,9 @@ inline void GetSystemTimeAsFileTime(FILETIME* time) {
 inline BOOL SystemTimeToFileTime(const SYSTEMTIME* time, FILETIME* result) {
     using namespace native_platform;
     using namespace std::chrono;
-    if (time->wYear < 1601 || time->wYear > 30827 || time->wHour > 23 || time->wMinute > 59 ||
-        time->wSecond > 59) {
+    // The parts of a date keep but the low bits of a greater number.
+    if (time->wYear < 1601 || time->wYear > 30827 || time->wMonth > 12 || time->wDay > 31 ||
+        time->wHour > 23 || time->wMinute > 59 || time->wSecond > 59) {
         return FALSE;
     }
     const year_month_day date(year(time->wYear), month(time->wMonth), day(time->wDay));

@@ -86,8 +86,11 @@ class FakeServerCertificateArgs final
         : FakeRuntimeObject(script, "args"), status_(status) {}
 
     HRESULT STDMETHODCALLTYPE get_ErrorStatus(COREWEBVIEW2_WEB_ERROR_STATUS* status) override {
-        *status = status_;
-        return Called("get_ErrorStatus");
+        const HRESULT result = Called("get_ErrorStatus");
+        if (SUCCEEDED(result)) {
+            *status = status_;
+        }
+        return result;
     }
     HRESULT STDMETHODCALLTYPE put_Action(COREWEBVIEW2_SERVER_CERTIFICATE_ERROR_ACTION action) override {
         return Called("put_Action", std::to_string(action));
@@ -108,8 +111,11 @@ class FakeClientCertificates final : public FakeRuntimeObject<ICoreWebView2Clien
         : FakeRuntimeObject(script, "certificates"), count_(count) {}
 
     HRESULT STDMETHODCALLTYPE get_Count(UINT32* count) override {
-        *count = count_;
-        return Called("get_Count");
+        const HRESULT result = Called("get_Count");
+        if (SUCCEEDED(result)) {
+            *count = count_;
+        }
+        return result;
     }
     HRESULT STDMETHODCALLTYPE GetValueAtIndex(UINT32 index,
                                               ICoreWebView2ClientCertificate** certificate) override {

@@ -1,13 +1,13 @@
 // The loader's functions, and the completions of the fake runtime.
 #include "tests/support/webview2/fake_runtime.h"
 
-#include <cwchar>
 #include <utility>
 
 #include <gtest/gtest.h>
 #include <objbase.h>
 
 #include "tests/support/fake_object.h"
+#include "tests/support/webview2/com_copy.h"
 
 using Microsoft::WRL::ComPtr;
 
@@ -114,8 +114,7 @@ HRESULT FakeRuntime::CompleteCookies(const std::vector<std::optional<CookieConte
 HRESULT FakeRuntime::GetVersion(const wchar_t* browserFolder, wchar_t** result) {
     const HRESULT answer = script.Call("GetAvailableCoreWebView2BrowserVersionString", Narrow(browserFolder));
     if (SUCCEEDED(answer) && !version.empty()) {
-        *result = static_cast<wchar_t*>(CoTaskMemAlloc((version.size() + 1) * sizeof(wchar_t)));
-        wcscpy_s(*result, version.size() + 1, version.c_str());
+        *result = ComCopy(version);
         versionGiven = *result;
     }
     return answer;

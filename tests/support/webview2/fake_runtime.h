@@ -1,5 +1,5 @@
-// A WebView2 runtime whose every step a test takes itself. It stands where the loader would: a test program that links it
-// links no loader.
+// A WebView2 runtime whose every step a test takes itself. It stands where the loader would: a test program that links
+// it links no loader.
 #pragma once
 
 #include <optional>

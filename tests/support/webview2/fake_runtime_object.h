@@ -20,8 +20,8 @@ struct View {
     const char* objectName;
 };
 
-/// A fake of `Interface` and of all its bases. Every view of one runtime object is a fake of its own, so that a transcript
-/// tells through which view a call was made.
+/// A fake of `Interface` and of all its bases. Every view of one runtime object is a fake of its own, so that a
+/// transcript tells through which view a call was made.
 template <typename Interface>
 class FakeRuntimeObject : public CountedFake<webview2::NotImplemented<Interface>> {
   public:

@@ -1,5 +1,5 @@
-// What the tests of the WebView2 backend share: a browser on a fake runtime, in a window that only answers its size, with a
-// cookie store and a toolkit's timers that the test plays.
+// What the tests of the WebView2 backend share: a browser on a fake runtime, in a window that only answers its size,
+// with a cookie store and a toolkit's timers that the test plays.
 #pragma once
 
 #include <cstring>
@@ -10,6 +10,8 @@
 #include <windows.h>
 
 #include <objbase.h>
+
+#include <gtest/gtest.h>
 
 #include "kelda/kelda.h"
 #include "tests/support/fake_win_inet_store.h"
@@ -31,10 +33,24 @@ constexpr const wchar_t* kPreferencesVariable = L"MERIDO_USER_PREFS_LOCAL_DIR";
 constexpr const char* kReadsStore =
     "InternetGetCookieEx2 http://server/qxcore/jsp/qvs/vislogon.jsp name=(null) with 0x00001000";
 
-inline test_support::Lines operator+(test_support::Lines first, const test_support::Lines& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
+/// The first navigation, where WinINet holds no cookies.
+inline const test_support::Lines kNavigates = {
+    kReadsStore,
+    "environment2.CreateWebResourceRequest http://server/qxcore/jsp/qvs/vislogon.jsp GET "
+    "[Accept: */*\r\nPragma: no-cache\r\n]",
+    "webView15.NavigateWithWebResourceRequest request",
+    "request gone",
+};
+
+/// The page reads the host object's member, calls it, and so has the runtime asked for the session's cookies.
+constexpr DISPID kNorv = 888111888;
+constexpr const char* kPropertyRead =
+    "[0] ZanWebBrowserEdge::Invoke DISPATCH_PROPERTYGET - dispIdMember == DISPID_NORV";
+constexpr const char* kCalled = "[0] ZanWebBrowserEdge::Invoke DISPATCH_METHOD - dispIdMember == DISPID_NORV";
+constexpr const char* kAsksForCookies = "cookieManager.GetCookies http://server/qxcore/jsp/qvs/vislogon.jsp";
+
+/// The owner is told of the session.
+inline const test_support::Lines kReport = {"[0] OnSessionAuthenticated();", "OnSessionAuthenticated"};
 
 class RecordingOwner final : public ZanWebBrowser::Callback {
   public:
@@ -87,12 +103,26 @@ class EdgeBrowserTest : public test_support::TranscriptTest {
         TakeTranscript();
     }
 
+    /// The same with another owner; null for none.
+    void BringUpFor(ZanWebBrowser::Callback* other) {
+        MakeBrowser();
+        browser->Create(other, parent);
+        runtime.CompleteEnvironment();
+        runtime.CompleteController();
+        runtime.CompleteScript();
+        TakeTranscript();
+    }
+
     /// Reads the member of the host object and calls what it gives, as script does.
     HRESULT CallPageObject() const { return CallPageObject(runtime.webView.hostObject.Get()); }
     static HRESULT CallPageObject(IDispatch* hostObject) {
         VARIANT norv{};
         DISPPARAMS none{};
-        hostObject->Invoke(888111888, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &norv, nullptr, nullptr);
+        hostObject->Invoke(kNorv, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &norv, nullptr, nullptr);
+        if (norv.vt != VT_DISPATCH || norv.pdispVal == nullptr) {
+            ADD_FAILURE() << "the member gives no object";
+            return E_UNEXPECTED;
+        }
         const HRESULT result = norv.pdispVal->Invoke(DISPID_VALUE, IID_NULL, 0, DISPATCH_METHOD, &none,
                                                      nullptr, nullptr, nullptr);
         norv.pdispVal->Release();

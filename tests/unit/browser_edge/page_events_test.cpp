@@ -1,11 +1,16 @@
 // What the browser decides while pages load: navigations, request headers, certificates and challenges.
+#include <memory>
+#include <stdexcept>
 #include <string>
+
+#include <wrl/client.h>
 
 #include <gtest/gtest.h>
 
 #include "edge_browser_test.h"
 #include "tests/support/webview2/fake_event_args.h"
 
+using test_support::InTurn;
 using test_support::Lines;
 using test_support::MakeFake;
 using test_support::ScopedVariable;
@@ -53,6 +58,10 @@ class PageEvents : public EdgeBrowserTest {
         return Raise<ICoreWebView2ServerCertificateErrorDetectedEventHandler>(
             "ServerCertificateErrorDetected",
             MakeFake<test_support::FakeServerCertificateArgs>(runtime.script, status));
+    }
+    static Lines Refused(const std::string& status) {
+        return {"args.get_ErrorStatus",
+                "[0] Invalid server certificate (" + status + " ); cancelling request", "args.put_Action 1"};
     }
     Lines ClientCertificates(UINT32 count) {
         return Raise<ICoreWebView2ClientCertificateRequestedEventHandler>(
@@ -124,15 +133,29 @@ TEST_F(PageEvents, ACompletedCheckIsALoginAndIsToldOnce) {
     runtime.CompleteCookies();
     TakeTranscript();
     FireTimer();
-    EXPECT_EQ(TakeTranscript(), (Lines{"[0] OnSessionAuthenticated();", "OnSessionAuthenticated"}));
+    EXPECT_EQ(TakeTranscript(), kReport);
     EXPECT_EQ(Completed(true), Lines{"args.get_IsSuccess"});
+}
+
+TEST_F(PageEvents, ACheckThatCompletesTwiceBeforeTheReportIsToldOnce) {
+    BringUp(1);
+    for (int load = 0; load < 2; ++load) {
+        EXPECT_EQ(Completed(true).size(), 2U) << "its cookies are not asked for";
+    }
+    runtime.CompleteCookies();
+    runtime.CompleteCookies();
+    ASSERT_EQ(timers.size(), 2U);
+    TakeTranscript();
+    FireTimer();
+    EXPECT_EQ(TakeTranscript(), kReport);
+    FireTimer();
+    EXPECT_EQ(TakeTranscript(), Lines{});
 }
 
 TEST_F(PageEvents, WithoutTheCookieManagerACompletedCheckIsToldAtOnce) {
     const ScopedVariable variable(kImplementationVariable, L"parse");
     BringUp(-1);
-    EXPECT_EQ(Completed(true),
-              (Lines{"args.get_IsSuccess", "[0] OnSessionAuthenticated();", "OnSessionAuthenticated"}));
+    EXPECT_EQ(Completed(true), InTurn({Lines{"args.get_IsSuccess"}, kReport}));
     EXPECT_EQ(Completed(true), Lines{"args.get_IsSuccess"});
 }
 
@@ -163,12 +186,7 @@ TEST_F(PageEvents, PagesThatLoadAfterTheReportAreToldToNobody) {
 }
 
 TEST_F(PageEvents, WithoutAnOwnerALoadIsToldToNobody) {
-    MakeBrowser();
-    browser->Create(nullptr, parent);
-    runtime.CompleteEnvironment();
-    runtime.CompleteController();
-    runtime.CompleteScript();
-    TakeTranscript();
+    BringUpFor(nullptr);
     EXPECT_EQ(Completed(true), Lines{"args.get_IsSuccess"});
 }
 
@@ -189,12 +207,7 @@ class ClosingOwner final : public ZanWebBrowser::Callback {
 
 TEST_F(PageEvents, AnOwnerMayDeleteTheBrowserWhenItIsToldOfTheLoad) {
     ClosingOwner closing(browser);
-    MakeBrowser();
-    browser->Create(&closing, parent);
-    runtime.CompleteEnvironment();
-    runtime.CompleteController();
-    runtime.CompleteScript();
-    TakeTranscript();
+    BringUpFor(&closing);
     const auto args = MakeFake<test_support::FakeNavigationCompletedArgs>(runtime.script, true);
     // The runtime holds the handler while it calls it.
     const Microsoft::WRL::ComPtr<ICoreWebView2NavigationCompletedEventHandler> handler =
@@ -211,12 +224,7 @@ TEST_F(PageEvents, AnOwnerThatThrowsDoesNotReachTheRuntime) {
         void OnSessionAuthenticated() override {}
         void OnSessionAuthenticatedFailed() override {}
     } throwing;
-    MakeBrowser();
-    browser->Create(&throwing, parent);
-    runtime.CompleteEnvironment();
-    runtime.CompleteController();
-    runtime.CompleteScript();
-    TakeTranscript();
+    BringUpFor(&throwing);
     const auto args = MakeFake<test_support::FakeNavigationCompletedArgs>(runtime.script, true);
     auto* const handler =
         runtime.webView.HandlerOf<ICoreWebView2NavigationCompletedEventHandler>("NavigationCompleted");
@@ -226,9 +234,7 @@ TEST_F(PageEvents, AnOwnerThatThrowsDoesNotReachTheRuntime) {
 
 TEST_F(PageEvents, ABadServerCertificateIsRefused) {
     BringUp();
-    EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_EXPIRED),
-              (Lines{"args.get_ErrorStatus", "[0] Invalid server certificate (2 ); cancelling request",
-                     "args.put_Action 1"}));
+    EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_EXPIRED), Refused("2"));
 }
 
 TEST_F(PageEvents, ExpiredAndInvalidCertificatesAreAllowedWhereTheVariableSaysSo) {
@@ -248,15 +254,20 @@ TEST_F(PageEvents, NoOtherValueAndNoOtherFaultOfACertificateIsAllowed) {
     BringUp();
     for (const wchar_t* value : {L"yes", L"1", L"true ", L"truetrue"}) {
         const ScopedVariable variable(L"MERIDO_IGNORE_CERT_INVALID", value);
-        EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_EXPIRED).back(),
-                  "args.put_Action 1");
+        EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_EXPIRED), Refused("2"));
     }
     const ScopedVariable variable(L"MERIDO_IGNORE_CERT_INVALID", L"true");
-    for (const auto status :
-         {COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_COMMON_NAME_IS_INCORRECT,
-          COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_REVOKED, COREWEBVIEW2_WEB_ERROR_STATUS_UNKNOWN}) {
-        EXPECT_EQ(ServerCertificate(status).back(), "args.put_Action 1");
-    }
+    EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_UNKNOWN), Refused("0"));
+    EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_COMMON_NAME_IS_INCORRECT),
+              Refused("1"));
+    EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_REVOKED), Refused("4"));
+}
+
+TEST_F(PageEvents, ACertificateWhoseFaultCannotBeReadIsRefused) {
+    BringUp();
+    const ScopedVariable variable(L"MERIDO_IGNORE_CERT_INVALID", L"true");
+    runtime.script.answers["args.get_ErrorStatus"] = E_FAIL;
+    EXPECT_EQ(ServerCertificate(COREWEBVIEW2_WEB_ERROR_STATUS_CERTIFICATE_EXPIRED), Refused("0"));
 }
 
 TEST_F(PageEvents, TheOnlyMatchingClientCertificateIsTaken) {
@@ -290,21 +301,28 @@ TEST_F(PageEvents, ClientCertificatesThatCannotBeListedCountAsNone) {
                      "[0] Client certificate requested; found 0 matching cert(s)", "args.put_Handled 1"}));
 }
 
+TEST_F(PageEvents, ClientCertificatesThatCannotBeCountedCountAsNone) {
+    BringUp();
+    runtime.script.answers["certificates.get_Count"] = E_FAIL;
+    EXPECT_EQ(ClientCertificates(1), (Lines{"args.get_MutuallyTrustedCertificates", "certificates.get_Count",
+                                            "[0] Client certificate requested; found 0 matching cert(s)",
+                                            "args.put_Handled 1", "certificates gone"}));
+}
+
+TEST_F(PageEvents, AClientCertificateThatCannotBeHadIsNotSelected) {
+    BringUp();
+    runtime.script.answers["certificates.GetValueAtIndex"] = E_FAIL;
+    EXPECT_EQ(ClientCertificates(1),
+              (Lines{"args.get_MutuallyTrustedCertificates", "certificates.get_Count",
+                     "[0] Client certificate requested; found 1 matching cert(s)",
+                     "certificates.GetValueAtIndex 0", "args.put_Handled 1", "certificates gone"}));
+}
+
 TEST_F(PageEvents, AChallengeIsTracedAndLeftToTheRuntime) {
     BringUp();
     const Lines lines = Raise<ICoreWebView2BasicAuthenticationRequestedEventHandler>(
         "BasicAuthenticationRequested", MakeFake<test_support::FakeBasicAuthenticationArgs>(runtime.script));
     EXPECT_EQ(lines, Lines{"[0] Unexpected Basic Auth request"});
-}
-
-TEST_F(PageEvents, TheFirstRequestThatCannotBeMadeIsTracedTogetherWithTheNavigationWithoutIt) {
-    runtime.script.answers["environment2.CreateWebResourceRequest"] = E_INVALIDARG;
-    runtime.script.answers["webView15.NavigateWithWebResourceRequest"] = E_POINTER;
-    AwaitScript();
-    EXPECT_EQ(runtime.CompleteScript(), S_OK);
-    EXPECT_EQ(TakeTraceLines(),
-              (Lines{"[0] Failed: CreateWebResourceRequest error code: -2147024809",
-                     "[0] Failed: NavigateWithWebResourceRequest error code: -2147467261"}));
 }
 
 } // namespace

@@ -65,14 +65,6 @@ const Lines kWires = {
     "settings gone",
 };
 
-const Lines kNavigates = {
-    kReadsStore,
-    "environment2.CreateWebResourceRequest http://server/qxcore/jsp/qvs/vislogon.jsp GET "
-    "[Accept: */*\r\nPragma: no-cache\r\n]",
-    "webView15.NavigateWithWebResourceRequest request",
-    "request gone",
-};
-
 /// `lines` with every occurrence of a line replaced.
 Lines WithLine(Lines lines, const std::string& line, const std::string& replacement) {
     for (std::string& each : lines) {
@@ -100,24 +92,6 @@ TEST_F(StartUp, GoesThroughItsCallsInOrderFromStepToStep) {
     EXPECT_EQ(TakeTranscript(), kWires);
     EXPECT_EQ(runtime.CompleteScript(), S_OK);
     EXPECT_EQ(TakeTranscript(), kNavigates);
-}
-
-TEST_F(StartUp, InCheckModeNavigatesToTheCheckFileWithNoSlashPutInBetween) {
-    for (const std::string server : {"http://server/", "http://server"}) {
-        browser = std::make_unique<ZanWebBrowserEdge>(server.c_str(), 1);
-        Create();
-        runtime.CompleteEnvironment();
-        runtime.CompleteController();
-        TakeTranscript();
-        runtime.CompleteScript();
-        const std::string url = server + "ARPublish/veltauth/check_authenticated_access.txt";
-        EXPECT_EQ(TakeTranscript(),
-                  (Lines{"InternetGetCookieEx2 " + url + " name=(null) with 0x00001000",
-                         "environment2.CreateWebResourceRequest " + url +
-                             " GET [Accept: */*\r\nPragma: no-cache\r\n]",
-                         "webView15.NavigateWithWebResourceRequest request", "request gone"}));
-        browser->Destroy();
-    }
 }
 
 TEST_F(StartUp, NoOwnerIsAllowed) {
@@ -241,52 +215,6 @@ TEST_F(StartUp, WithoutAControllerEveryStepThatIsTracedIsTracedAsFailed) {
                "[0] Failed: AddHostObjectToScript error code: -2147467261",
                "[0] Failed: AddWebResourceRequestedFilter error code: -2147467261",
                "[0] Failed: AddScriptToExecuteOnDocumentCreated error code: -2147467261"}));
-}
-
-TEST_F(StartUp, AFailedScriptRegistrationEndsItBeforeTheNavigation) {
-    AwaitScript();
-    EXPECT_EQ(runtime.CompleteScript(E_FAIL), S_OK);
-    EXPECT_EQ(TakeTranscript(),
-              Lines{"[0] Failed: ICoreWebView2AddScriptToExecuteOnDocumentCreatedCompletedHandler error "
-                    "code: -2147467259"});
-}
-
-TEST_F(StartUp, TheLoadBalancersCookiesGoToTheRuntimeBeforeTheNavigation) {
-    winInet.Hold(L"BIGipServer~pool", L"1");
-    winInet.Hold(L"other", L"2");
-    AwaitScript();
-    EXPECT_EQ(runtime.CompleteScript(), S_OK);
-    Lines expected = kNavigates;
-    expected.insert(expected.begin() + 1,
-                    {"cookieManager.CreateCookie BIGipServer~pool=1 domain=server path=/",
-                     "cookie.put_Expires -1.000000", "cookie.put_IsHttpOnly 0", "cookie.put_SameSite 0",
-                     "cookie.put_IsSecure 0", "cookieManager.AddOrUpdateCookie cookie", "cookie gone",
-                     "InternetFreeCookies 2"});
-    EXPECT_EQ(TakeTranscript(), expected);
-}
-
-TEST_F(StartUp, InAVerboseTraceTheStoreIsShownBeforeItsCookiesAreCopied) {
-    const ScopedVariable variable(kImplementationVariable, L"trace");
-    winInet.Hold(L"BIGipServer~pool", L"1");
-    AwaitScript();
-    EXPECT_EQ(runtime.CompleteScript(), S_OK);
-    const std::string url = "http://server/qxcore/jsp/qvs/vislogon.jsp";
-    EXPECT_EQ(TakeTraceLines(),
-              (Lines{"[0] WinInet cookies before navigating to " + url, "[0] WinInet cookies for " + url,
-                     "[0] BIGipServer~pool=1; domain=server; path=/; flags=0x0",
-                     "[0] Pre-populating LB cookies for " + url,
-                     "[0] Processed BIGipServer~pool=1; domain=server; path=/; session; samesite=0",
-                     "[0] Navigating to " + url}));
-}
-
-TEST_F(StartUp, WithoutACookieManagerItNavigatesAllTheSame) {
-    runtime.script.answers["webView2.get_CookieManager"] = E_FAIL;
-    winInet.Hold(L"BIGipServer~pool", L"1");
-    AwaitScript();
-    EXPECT_EQ(runtime.CompleteScript(), S_OK);
-    Lines expected = kNavigates;
-    expected.insert(expected.begin() + 1, {"[0] Failed to create WebView2 cookie", "InternetFreeCookies 1"});
-    EXPECT_EQ(TakeTranscript(), expected);
 }
 
 TEST_F(StartUp, OnceTheHostObjectIsExposedOnlyTheRuntimeHoldsIt) {

@@ -2,9 +2,12 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <wrl/client.h>
 
 #include "cookies/cookie_copy.h"
 #include "tests/support/fake_win_inet_store.h"
@@ -15,6 +18,7 @@ using Microsoft::WRL::ComPtr;
 using test_support::CookieContent;
 using test_support::FakeCookieList;
 using test_support::FakeCookieManager;
+using test_support::InTurn;
 using test_support::Lines;
 using test_support::MakeFake;
 
@@ -54,7 +58,7 @@ class LoadBalancer : public CookieCopy {
     }
 };
 
-/// What making one cookie takes, with or without what is traced after it.
+/// The calls that make a cookie without an expiry in the runtime.
 Lines Makes(const std::string& name, const std::string& value) {
     return {"manager.CreateCookie " + name + "=" + value + " domain=server path=/",
             "cookie.put_Expires -1.000000",
@@ -63,11 +67,6 @@ Lines Makes(const std::string& name, const std::string& value) {
             "cookie.put_IsSecure 0",
             "manager.AddOrUpdateCookie cookie",
             "cookie gone"};
-}
-
-Lines operator+(Lines first, const Lines& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
 }
 
 TEST_F(LoadBalancer, SessionCookieAloneCopiesNothing) {
@@ -81,8 +80,8 @@ TEST_F(LoadBalancer, CookieBringsItselfTheSessionAndTheOtherBalancersButNoOther)
     store.Hold(L"JSESSIONID", L"2");
     store.Hold(L"TS01", L"3");
     store.Hold(L"other", L"4");
-    EXPECT_EQ(PrePopulate(), (Lines{kReads} + Makes("BIGipServer~pool", "1") + Makes("JSESSIONID", "2") +
-                              Makes("TS01", "3") + Lines{"InternetFreeCookies 4", "manager gone"}));
+    EXPECT_EQ(PrePopulate(), InTurn({Lines{kReads}, Makes("BIGipServer~pool", "1"), Makes("JSESSIONID", "2"),
+                                     Makes("TS01", "3"), Lines{"InternetFreeCookies 4", "manager gone"}}));
 }
 
 TEST_F(LoadBalancer, CookieThatComesLastBringsThoseBeforeItInTheStoresOrder) {
@@ -156,19 +155,20 @@ TEST_F(LoadBalancer, CookiesAreTracedOneByOneWhereTracingIsOn) {
 TEST_F(LoadBalancer, CookiesAreTracedAfterTheirCalls) {
     store.Hold(L"BIGipServer", L"1");
     EXPECT_EQ(PrePopulate(true),
-              (Lines{kReads, "[0] Pre-populating LB cookies for http://server/page"} +
-               Makes("BIGipServer", "1") +
-               Lines{"[0] Processed BIGipServer=1; domain=server; path=/; session; samesite=0",
-                     "InternetFreeCookies 1", "manager gone"}));
+              InTurn({Lines{kReads, "[0] Pre-populating LB cookies for http://server/page"},
+                      Makes("BIGipServer", "1"),
+                      Lines{"[0] Processed BIGipServer=1; domain=server; path=/; session; samesite=0",
+                            "InternetFreeCookies 1", "manager gone"}}));
 }
 
 TEST_F(LoadBalancer, CookieThatCannotBeMadeOrStoredDoesNotStopTheOthers) {
     store.Hold(L"BIGipServer", L"1");
     store.Hold(L"JSESSIONID", L"2");
     script.answers["manager.CreateCookie BIGipServer=1 domain=server path=/"] = E_FAIL;
-    EXPECT_EQ(PrePopulate(), (Lines{kReads, "manager.CreateCookie BIGipServer=1 domain=server path=/",
-                                    "[0] Failed to create WebView2 cookie"} +
-                              Makes("JSESSIONID", "2") + Lines{"InternetFreeCookies 2", "manager gone"}));
+    EXPECT_EQ(PrePopulate(),
+              InTurn({Lines{kReads, "manager.CreateCookie BIGipServer=1 domain=server path=/",
+                            "[0] Failed to create WebView2 cookie"},
+                      Makes("JSESSIONID", "2"), Lines{"InternetFreeCookies 2", "manager gone"}}));
     script.answers = {{"manager.AddOrUpdateCookie", E_FAIL}};
     PrePopulateLoadBalancerCookies(kUrl, MakeFake<FakeCookieManager>(script, asked, "manager"), true);
     EXPECT_EQ(
@@ -196,6 +196,21 @@ TEST_F(LoadBalancer, WithoutAManagerEveryCookieIsTracedAsNotMade) {
     PrePopulateLoadBalancerCookies(kUrl, nullptr, false);
     EXPECT_EQ(TakeTranscript(), (Lines{kReads, "[0] Failed to create WebView2 cookie",
                                        "[0] Failed to create WebView2 cookie", "InternetFreeCookies 2"}));
+}
+
+TEST_F(LoadBalancer, TheManagerIsHeldWhileItsCookiesAreMadeAlsoWhereTheCallerLetsItGo) {
+    store.Hold(L"BIGipServer", L"1");
+    auto made = MakeFake<FakeCookieManager>(script, asked, "manager");
+    FakeCookieManager& manager = *made.Get();
+    ComPtr<ICoreWebView2CookieManager> callers = std::move(made);
+    ULONG during = 0;
+    script.during["manager.AddOrUpdateCookie"] = [&] {
+        callers.Reset();
+        during = manager.Count();
+    };
+    PrePopulateLoadBalancerCookies(kUrl, callers, false);
+    EXPECT_EQ(during, 2U) << "one of the call, one of its call for the cookie";
+    EXPECT_EQ(TakeTranscript().back(), "manager gone");
 }
 
 TEST_F(LoadBalancer, CookiesAreFreedAlsoWhenMemoryRunsOutOnTheWay) {

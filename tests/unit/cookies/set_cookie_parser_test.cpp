@@ -1,7 +1,6 @@
 // Set-Cookie headers: name, value and the attributes but for the dates.
 #include "cookies/set_cookie_parser.h"
 
-#include <chrono>
 #include <string>
 #include <utility>
 
@@ -168,25 +167,26 @@ TEST_F(SetCookie, AnyCharacterButTheSeparatorsBelongsToNameAndValue) {
 }
 
 TEST_F(SetCookie, WorkGrowsNoFasterThanTheHeader) {
-    using std::chrono::steady_clock;
-    // At a million characters a second copy of the rest for each attribute would take minutes.
-    constexpr size_t kLength = 1'000'000;
-    std::wstring attributes;
-    while (attributes.size() < kLength) {
-        attributes += L"; Path=/; x=y; SameSite=None";
-    }
+    // A copy of the rest for each attribute would take longer than a test may last.
+    constexpr size_t kLength = 4'000'000;
+    const auto repeated = [](const std::wstring& attributes) {
+        std::wstring header = L"a=b";
+        while (header.size() < kLength) {
+            header += attributes;
+        }
+        return header;
+    };
     const std::pair<std::wstring, std::wstring> headers[] = {
         {L"a=b" + std::wstring(kLength, L';') + L"Secure", L"[a]=[b] secure=1"},
-        {L"a=b" + attributes, L"[a]=[b] path=/ sameSite=0"},
+        {repeated(L"; Path=/; x=y; SameSite=None"), L"[a]=[b] path=/ sameSite=0"},
+        {repeated(L"; Expires=Thu, 01 Jan 1970 00:00:07 GMT"), L"[a]=[b] expires=7.000000 session=0"},
+        {repeated(L"; Max-Age=7"), L"[a]=[b] expires=1623233901.000000 session=0"},
         {L"a=b;" + std::wstring(kLength, L' ') + L"Secure", L"[a]=[b] secure=1"},
         {L"a=b;" + std::wstring(kLength, L'='), L"[a]=[b]"},
         {L"a=b; Path" + std::wstring(kLength, L'x'), L"[a]=[b]"},
     };
     for (const auto& [header, shown] : headers) {
-        const auto start = steady_clock::now();
-        const CookieRecord cookie = Parsed(header);
-        EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(10));
-        EXPECT_EQ(Show(cookie), shown);
+        EXPECT_EQ(Show(Parsed(header)), shown);
     }
 }
 

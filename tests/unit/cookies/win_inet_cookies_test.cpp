@@ -1,4 +1,5 @@
 // Reading and writing of the WinINet store, call by call.
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -169,6 +170,7 @@ TEST(FromWinInet, TakesTextsFlagsAndExpiry) {
     EXPECT_EQ(cookie.secure, 1);
     EXPECT_EQ(cookie.httpOnly, 1);
     EXPECT_EQ(cookie.sameSite, CookieSameSite::Strict);
+    EXPECT_EQ(cookie.expires, 1623233894.0);
 }
 
 TEST(FromWinInet, ReadsEachFlagFromItsBitAlone) {

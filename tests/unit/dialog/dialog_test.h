@@ -1,6 +1,8 @@
 // What the tests of the login dialog share: the toolkit and the browser, both played, with their calls in one transcript.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <functional>
 #include <map>
@@ -17,6 +19,24 @@
 #include "tests/support/transcript.h"
 
 namespace kelda {
+
+/// What a test's first dialog begins with, as far as the question for the browser's window.
+inline const test_support::Lines kSetUp = {
+    "Factory http://server 0",
+    "browser 1 InitializeCom",
+    "ui_create_device_from_string device device",
+    "ui_modify device device 2=\"Log in: http://server\" 0",
+    "ui_modify device device 70=500 71=500 0",
+    "ui_add_action device device 5",
+    "ui_set_action device device 43",
+    "ui_add_action device device 6",
+    "ui_manage_device device",
+    "ui_do_operation device NakedWindow 2092 0 0",
+};
+
+/// What it ends with when it is closed.
+inline const test_support::Lines kClosed = {"ui_exit_device device 0", "ui_destroy_device device",
+                                            "[0] OnDestoy()", "browser 1 Destroy"};
 
 /// A browser that shows nothing. Browsers are numbered in each test.
 class RecordingBrowser final : public ZanWebBrowser {
@@ -91,6 +111,15 @@ class DialogTest : public test_support::TranscriptTest {
             happening();
         };
         return RunDialog();
+    }
+
+    /// What follows the set-up that every dialog begins with.
+    static test_support::Lines TakeTranscriptAfterSetUp() {
+        test_support::Lines lines = TakeTranscript();
+        EXPECT_GE(lines.size(), kSetUp.size());
+        const size_t length = std::min(lines.size(), kSetUp.size());
+        lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(length));
+        return lines;
     }
 
     std::shared_ptr<RecordingBrowser> Browser(size_t number) const { return browsers.at(number - 1).lock(); }

@@ -1,38 +1,26 @@
 // The login dialog from its opening to its end: every call in order, and what comes out of it.
+#include <array>
 #include <string>
+
+#include <windows.h>
+
+#include <wininet.h>
 
 #include <gtest/gtest.h>
 
 #include "dialog_test.h"
 
+using test_support::InTurn;
 using test_support::Lines;
 
 namespace kelda {
 namespace {
 
-Lines operator+(Lines first, const Lines& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
+const Lines kOpened =
+    InTurn({kSetUp, Lines{"browser 1 Create in the toolkit's window", "ui_activate_device device"}});
 
-/// What each dialog begins with, as far as the question for the browser's window.
-const Lines kSetUp = {
-    "Factory http://server 0",
-    "browser 1 InitializeCom",
-    "ui_create_device_from_string device device",
-    "ui_modify device device 2=\"Log in: http://server\" 0",
-    "ui_modify device device 70=500 71=500 0",
-    "ui_add_action device device 5",
-    "ui_set_action device device 43",
-    "ui_add_action device device 6",
-    "ui_manage_device device",
-    "ui_do_operation device NakedWindow 2092 0 0",
-};
-
-const Lines kOpened = kSetUp + Lines{"browser 1 Create in the toolkit's window", "ui_activate_device device"};
-
-const Lines kClosed = {"ui_exit_device device 0", "ui_destroy_device device", "[0] OnDestoy()",
-                       "browser 1 Destroy"};
+const Lines kOpenedEmpty = InTurn(
+    {kSetUp, Lines{"[3] Failed to get Window handle to embed the browser in", "ui_activate_device device"}});
 
 class Login : public DialogTest {
   protected:
@@ -47,21 +35,21 @@ class Login : public DialogTest {
 TEST_F(Login, ThatThePageReportsEndsTheDialogWithTrue) {
     toolkit.during["ui_activate_device"] = [this] { Report(); };
     EXPECT_TRUE(RunDialog());
-    EXPECT_EQ(TakeTranscript(), kOpened + Lines{"[0] OnSessionAuthenticated"} + kClosed);
+    EXPECT_EQ(TakeTranscript(), InTurn({kOpened, Lines{"[0] OnSessionAuthenticated"}, kClosed}));
     EXPECT_FALSE(toolkit.DeviceExists());
 }
 
 TEST_F(Login, ThatFailedEndsTheDialogWithFalse) {
     toolkit.during["ui_activate_device"] = [this] { ReportFailure(); };
     EXPECT_FALSE(RunDialog());
-    EXPECT_EQ(TakeTranscript(), kOpened + Lines{"[0] OnSessionAuthenticatedFailed"} + kClosed);
+    EXPECT_EQ(TakeTranscript(), InTurn({kOpened, Lines{"[0] OnSessionAuthenticatedFailed"}, kClosed}));
     EXPECT_FALSE(toolkit.DeviceExists());
 }
 
 TEST_F(Login, ThatTheUserClosesEndsTheDialogWithFalse) {
     toolkit.during["ui_activate_device"] = [this] { Close(); };
     EXPECT_FALSE(RunDialog());
-    EXPECT_EQ(TakeTranscript(), kOpened + kClosed);
+    EXPECT_EQ(TakeTranscript(), InTurn({kOpened, kClosed}));
     EXPECT_FALSE(toolkit.DeviceExists());
 }
 
@@ -72,20 +60,34 @@ TEST_F(Login, ThatTheUserClosesIsFalseWhateverItsPagesHaveDone) {
         Close();
     };
     EXPECT_FALSE(RunDialog());
-    EXPECT_EQ(TakeTranscript(), kOpened + kClosed);
+    EXPECT_EQ(TakeTranscript(), InTurn({kOpened, kClosed}));
+}
+
+TEST_F(Login, ThatTheUserClosesIsFalseEvenIfTheSessionsCookiesAreAlreadySet) {
+    toolkit.during["ui_activate_device"] = [this] {
+        EXPECT_TRUE(InternetSetCookieW(L"http://server/", L"JSESSIONID", L"1"));
+        Close();
+    };
+    EXPECT_FALSE(RunDialog());
+    EXPECT_EQ(TakeTranscript(), InTurn({kOpened, kClosed}));
+    std::array<wchar_t, 100> cookies{};
+    DWORD size = sizeof(cookies);
+    EXPECT_TRUE(InternetGetCookieW(L"http://server/", nullptr, cookies.data(), &size));
+    EXPECT_STREQ(cookies.data(), L"JSESSIONID=1");
 }
 
 TEST_F(Login, WhoseModalLoopEndsByItselfTakesTheDeviceDown) {
     EXPECT_FALSE(RunDialog());
-    EXPECT_EQ(TakeTranscript(), kOpened + kClosed);
+    EXPECT_EQ(TakeTranscript(), InTurn({kOpened, kClosed}));
     EXPECT_FALSE(toolkit.DeviceExists());
 }
 
 TEST_F(Login, WhoseDeviceTheToolkitDestroysByItselfIsFalse) {
     toolkit.during["ui_activate_device"] = [this] { toolkit.DestroyDevice(); };
     EXPECT_FALSE(RunDialog());
-    EXPECT_EQ(TakeTranscript(), (kOpened + Lines{"[0] OnDestoy()", "browser 1 Destroy",
-                                                 "ui_exit_device device 0", "ui_destroy_device device"}));
+    EXPECT_EQ(TakeTranscript(),
+              InTurn({kOpened, Lines{"[0] OnDestoy()", "browser 1 Destroy", "ui_exit_device device 0",
+                                     "ui_destroy_device device"}}));
 }
 
 TEST_F(Login, WithoutADeviceIsFalseWithoutAWord) {
@@ -105,15 +107,22 @@ TEST_F(Login, WithoutAWindowForTheBrowserOpensAnEmptyDialogThatCanBeClosed) {
     toolkit.answers["ui_do_operation"] = 1;
     toolkit.during["ui_activate_device"] = [this] { Close(); };
     EXPECT_FALSE(RunDialog());
-    const Lines empty = {"[3] Failed to get Window handle to embed the browser in",
-                         "ui_activate_device device"};
-    EXPECT_EQ(TakeTranscript(), kSetUp + empty + kClosed);
+    EXPECT_EQ(TakeTranscript(), InTurn({kOpenedEmpty, kClosed}));
 }
 
 TEST_F(Login, WithoutAWindowForTheBrowserTakesAnyAnswerButZeroForThat) {
     toolkit.answers["ui_do_operation"] = -1;
     RunDialog();
     EXPECT_EQ(TakeTranscript().at(kSetUp.size()), "[3] Failed to get Window handle to embed the browser in");
+}
+
+TEST_F(Login, WhoseDeviceGetsNoWindowsIsFalseWithoutAUser) {
+    for (const char* function : {"ui_manage_device", "ui_do_operation", "ui_activate_device"}) {
+        toolkit.answers[function] = 1;
+    }
+    EXPECT_FALSE(RunDialog());
+    EXPECT_EQ(TakeTranscript(), InTurn({kOpenedEmpty, kClosed}));
+    EXPECT_FALSE(toolkit.DeviceExists());
 }
 
 TEST_F(Login, LooksAtNoOtherAnswerOfTheToolkit) {
@@ -123,7 +132,7 @@ TEST_F(Login, LooksAtNoOtherAnswerOfTheToolkit) {
     }
     toolkit.during["ui_activate_device"] = [this] { Report(); };
     EXPECT_TRUE(RunDialog());
-    EXPECT_EQ(TakeTranscript(), kOpened + Lines{"[0] OnSessionAuthenticated"} + kClosed);
+    EXPECT_EQ(TakeTranscript(), InTurn({kOpened, Lines{"[0] OnSessionAuthenticated"}, kClosed}));
 }
 
 TEST_F(Login, AnswersEachActionOfTheToolkitWithZero) {

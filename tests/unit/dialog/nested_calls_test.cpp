@@ -5,20 +5,14 @@
 
 #include "dialog_test.h"
 
+using test_support::InTurn;
 using test_support::Lines;
 
 namespace kelda {
 namespace {
 
-const Lines kClosed = {"ui_exit_device device 0", "ui_destroy_device device", "[0] OnDestoy()",
-                       "browser 1 Destroy"};
 const Lines kClosedAgain = {"ui_exit_device device 0", "ui_destroy_device device"};
 const Lines kReported = {"[0] OnSessionAuthenticated"};
-
-Lines operator+(Lines first, const Lines& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
 
 using NestedCalls = DialogTest;
 
@@ -27,7 +21,7 @@ TEST_F(NestedCalls, ASecondReportIsHarmless) {
         Report();
         Report();
     }));
-    EXPECT_EQ(TakeTranscript(), kReported + kClosed + kReported + kClosedAgain);
+    EXPECT_EQ(TakeTranscript(), InTurn({kReported, kClosed, kReported, kClosedAgain}));
 }
 
 TEST_F(NestedCalls, AReportFromInsideTheReportIsHarmless) {
@@ -35,7 +29,7 @@ TEST_F(NestedCalls, AReportFromInsideTheReportIsHarmless) {
         LastBrowser()->during["Destroy"] = [this] { Report(); };
         Report();
     }));
-    EXPECT_EQ(TakeTranscript(), kReported + kClosed + kReported + kClosedAgain);
+    EXPECT_EQ(TakeTranscript(), InTurn({kReported, kClosed, kReported, kClosedAgain}));
 }
 
 TEST_F(NestedCalls, ClosingAfterTheReportLeavesItTrue) {
@@ -43,7 +37,7 @@ TEST_F(NestedCalls, ClosingAfterTheReportLeavesItTrue) {
         LastBrowser()->during["Destroy"] = [this] { Close(); };
         Report();
     }));
-    EXPECT_EQ(TakeTranscript(), kReported + kClosed + kClosedAgain);
+    EXPECT_EQ(TakeTranscript(), InTurn({kReported, kClosed, kClosedAgain}));
 }
 
 TEST_F(NestedCalls, AFailureAfterTheReportLeavesItTrue) {
@@ -52,7 +46,7 @@ TEST_F(NestedCalls, AFailureAfterTheReportLeavesItTrue) {
         ReportFailure();
     }));
     EXPECT_EQ(TakeTranscript(),
-              kReported + kClosed + Lines{"[0] OnSessionAuthenticatedFailed"} + kClosedAgain);
+              InTurn({kReported, kClosed, Lines{"[0] OnSessionAuthenticatedFailed"}, kClosedAgain}));
 }
 
 TEST_F(NestedCalls, AChangeOfSizeDuringTeardownOnlyReachesTheBrowser) {
@@ -60,7 +54,7 @@ TEST_F(NestedCalls, AChangeOfSizeDuringTeardownOnlyReachesTheBrowser) {
         LastBrowser()->during["Destroy"] = [this] { toolkit.Raise(kUiActionResize); };
         Report();
     }));
-    EXPECT_EQ(TakeTranscript(), kReported + kClosed + Lines{"browser 1 Resize"});
+    EXPECT_EQ(TakeTranscript(), InTurn({kReported, kClosed, Lines{"browser 1 Resize"}}));
 }
 
 TEST_F(NestedCalls, AChangeOfSizeBeforeTheBrowserIsCreatedOnlyReachesTheBrowser) {
@@ -76,9 +70,9 @@ TEST_F(NestedCalls, AChangeOfSizeBeforeTheBrowserIsCreatedOnlyReachesTheBrowser)
 TEST_F(NestedCalls, AReportBeforeTheDialogIsActiveEndsItAtOnce) {
     prepare = [this](RecordingBrowser& browser) { browser.during["Create"] = [this] { Report(); }; };
     EXPECT_TRUE(RunDialog());
-    Lines lines = TakeTranscript();
-    lines.erase(lines.begin(), lines.begin() + 11);
-    EXPECT_EQ(lines, kReported + kClosed + Lines{"ui_activate_device device"} + kClosedAgain);
+    EXPECT_EQ(TakeTranscriptAfterSetUp(),
+              InTurn({Lines{"browser 1 Create in the toolkit's window"}, kReported, kClosed,
+                      Lines{"ui_activate_device device"}, kClosedAgain}));
     EXPECT_FALSE(toolkit.DeviceExists());
 }
 
@@ -97,12 +91,15 @@ TEST_F(NestedCalls, TheDialogHoldsItsBrowserUntilTheReportHasReturned) {
 TEST_F(NestedCalls, ADialogWithinADialogHasNoDevice) {
     bool nested = true;
     EXPECT_TRUE(RunWhileActive([this, &nested] {
-        toolkit.answers["ui_create_device_from_string"] = 1;
         nested = RunDialog();
-        EXPECT_EQ(TakeTranscript().back(), "browser 2 gone");
+        EXPECT_EQ(TakeTranscript(), (Lines{"Factory http://server 0", "browser 2 InitializeCom",
+                                           "ui_create_device_from_string device device", "browser 2 gone"}));
+        EXPECT_TRUE(toolkit.DeviceExists());
         Browser(1)->owner->OnSessionAuthenticated();
     }));
     EXPECT_FALSE(nested);
+    EXPECT_EQ(TakeTranscript(), InTurn({kReported, kClosed}));
+    EXPECT_FALSE(toolkit.DeviceExists());
 }
 
 TEST_F(NestedCalls, AnExceptionOfTheBrowserDoesNotReachTheToolkit) {
@@ -112,8 +109,8 @@ TEST_F(NestedCalls, AnExceptionOfTheBrowserDoesNotReachTheToolkit) {
         toolkit.Raise(kUiActionResize);
         Close();
     }));
-    EXPECT_EQ(TakeTranscript(), (Lines{"browser 1 Resize", "[3] Failed: no size today"} + kClosed +
-                                 Lines{std::string("[3] Failed: ") + std::bad_alloc().what()}));
+    EXPECT_EQ(TakeTranscript(), InTurn({Lines{"browser 1 Resize", "[3] Failed: no size today"}, kClosed,
+                                        Lines{std::string("[3] Failed: ") + std::bad_alloc().what()}}));
     EXPECT_EQ(toolkit.handlerAnswers, (std::vector<int>{0, 0, 0}));
     EXPECT_NE(Browser(1), nullptr) << "it is retained all the same";
 }

@@ -253,6 +253,19 @@ TEST(Description, WithLayoutsThatDoNotFitTogetherIsRefusedWithItsLine) {
     });
 }
 
+TEST(Description, WithUnusedBlocksThatDoNotFitTogetherIsRefusedWithItsLine) {
+    const std::string used = OneWindow("") + "\n";
+    ExpectRefused({
+        {used + LayoutOf("Spare", "NakedWindow Spare") + LayoutOf("A", "SubLayout A"),
+         "line 6: layout \"A\" is used twice"},
+        {used +
+             "(Dialog Other (Components (SubLayout A))\n(Resources (.Layout (Grid (Rows 1) (Cols 1) A))))\n" +
+             LayoutOf("A", "NakedWindow A"),
+         "line 7: component \"A\" is used twice"},
+        {used + Chain(16).substr(Chain(16).find('\n') + 1), "line 20: layouts are nested too deeply"},
+    });
+}
+
 /// Each layout names the next one twice, under two more in between: put together, it would be 2 to the 60th windows.
 TEST(Description, WithLayoutsThatMultiplyIsRefused) {
     std::string layouts;

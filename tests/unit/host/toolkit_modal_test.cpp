@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/message_pump.h"
 #include "toolkit_scene.h"
 
 namespace {
@@ -25,6 +26,21 @@ class Modal : public host_test::ToolkitTest {
         RECT area = {};
         GetWindowRect(window, &area);
         return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+    }
+
+    using End = std::function<void()>;
+
+    /// Runs a dialog that is exited and one that is destroyed, each by what `begin` makes of its end.
+    void ExpectEnd(const std::function<void(const End& end)>& begin) {
+        for (const bool destroys : {false, true}) {
+            SCOPED_TRACE(destroys ? "destroyed" : "exited");
+            Manage();
+            begin([destroys] { destroys ? ui_destroy_device(kDialog) : ui_exit_device(kDialog, 0); });
+            Activate();
+            EXPECT_EQ(IsWindow(dialog) == FALSE, destroys);
+            EXPECT_TRUE(IsWindowEnabled(owner));
+            ui_destroy_device(kDialog);
+        }
     }
 };
 
@@ -252,54 +268,44 @@ TEST_F(Modal, EndsWhenTheThreadIsAskedToQuitAndPassesThatOn) {
     EXPECT_TRUE(IsWindowEnabled(owner));
 }
 
-TEST_F(Modal, EndsFromInsideEveryKindOfCall) {
-    struct Way {
-        const char* name;
-        std::function<void()> begin; // calls `end` from within
-    };
-    for (const bool destroys : {false, true}) {
-        const auto end = [destroys] { destroys ? ui_destroy_device(kDialog) : ui_exit_device(kDialog, 0); };
-        const Way ways[] = {
-            {"a posted message", [&] { Post(end); }},
-            {"the close action",
-             [&] {
-                 On(kUiActionClose, end);
-                 PostMessageW(dialog, WM_CLOSE, 0, 0);
-             }},
-            {"the resize action",
-             [&] {
-                 On(kUiActionResize, end);
-                 Post([this] { SetWindowPos(dialog, nullptr, 0, 0, 310, 320, SWP_NOMOVE); });
-             }},
-            {"a timer", [&] { ui_set_timer(1, &host_test::Callback::Call, Keep(end)); }},
-            {"two messages deep",
-             [&] {
-                 On(kUiActionClose, end);
-                 Post([this] { SendMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0); });
-             }},
-            {"a message loop inside",
-             [&] {
-                 Post([this, end] {
-                     // It takes everything there is, also what could be there to wake the loop outside.
-                     end();
-                     MSG message = {};
-                     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
-                         DispatchMessageW(&message);
-                     }
-                     Log("loop inside ended");
-                 });
-             }},
-        };
-        for (const Way& way : ways) {
-            SCOPED_TRACE(way.name);
-            Manage();
-            way.begin();
-            Activate();
-            EXPECT_EQ(IsWindow(dialog) == FALSE, destroys);
-            EXPECT_TRUE(IsWindowEnabled(owner));
-            ui_destroy_device(kDialog);
-        }
-    }
+TEST_F(Modal, EndsFromInsideAPostedMessage) {
+    ExpectEnd([this](const End& end) { Post(end); });
+}
+
+TEST_F(Modal, EndsFromInsideTheCloseAction) {
+    ExpectEnd([this](const End& end) {
+        On(kUiActionClose, end);
+        PostMessageW(dialog, WM_CLOSE, 0, 0);
+    });
+}
+
+TEST_F(Modal, EndsFromInsideTheResizeAction) {
+    ExpectEnd([this](const End& end) {
+        On(kUiActionResize, end);
+        Post([this] { SetWindowPos(dialog, nullptr, 0, 0, 310, 320, SWP_NOMOVE); });
+    });
+}
+
+TEST_F(Modal, EndsFromInsideATimer) {
+    ExpectEnd([this](const End& end) { ui_set_timer(1, &host_test::Callback::Call, Keep(end)); });
+}
+
+TEST_F(Modal, EndsFromTwoMessagesDeep) {
+    ExpectEnd([this](const End& end) {
+        On(kUiActionClose, end);
+        Post([this] { SendMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0); });
+    });
+}
+
+TEST_F(Modal, EndsFromInsideAMessageLoopThatTakesEverything) {
+    ExpectEnd([this](const End& end) {
+        Post([this, end] {
+            end();
+            test_support::PumpWaiting(); // also what could be there to wake the loop outside
+            Log("loop inside ended");
+        });
+    });
+    EXPECT_EQ(log, (Entries{"loop inside ended", "loop inside ended"}));
 }
 
 TEST_F(Modal, EndsInsideActivationItself) {

@@ -184,6 +184,7 @@ TEST_F(Resources, AreGivenBackByTwoHundredDialogs) {
     }
     const std::size_t windows = test_support::CountWindows();
     const std::size_t handles = test_support::CountHandles();
+    const std::size_t drawn = test_support::CountGdiObjects();
     held = {};
     {
         const ToolkitImport allocation("msvcrt.dll", "malloc", Address(&CountedMalloc));
@@ -202,6 +203,7 @@ TEST_F(Resources, AreGivenBackByTwoHundredDialogs) {
     EXPECT_LE(held.blocks.size(), 2U);
     EXPECT_EQ(test_support::CountWindows(), windows);
     EXPECT_EQ(test_support::CountHandles(), handles);
+    EXPECT_EQ(test_support::CountGdiObjects(), drawn);
 }
 
 int refusedCall = 0;

@@ -254,6 +254,22 @@ TEST_F(Action, OfResizingComesForChangesOfTheClientAreaOnly) {
     EXPECT_EQ(log, Entries{});
 }
 
+TEST_F(Action, OfResizingDoesNotComeForADialogThatIsMinimizedAndRestored) {
+    Manage();
+    On(kUiActionResize, [this] { Log("resized"); });
+    ActivateAnd([this] {
+        const std::string place = PlaceOf("NakedWindow");
+        const std::string size = SizeOf(NativeWindow(kDialog, "NakedWindow"));
+        ShowWindow(dialog, SW_MINIMIZE);
+        EXPECT_TRUE(IsIconic(dialog));
+        EXPECT_EQ(ClientOf(dialog).bottom, 0);
+        EXPECT_EQ(SizeOf(NativeWindow(kDialog, "NakedWindow")), size);
+        ShowWindow(dialog, SW_RESTORE);
+        EXPECT_EQ(PlaceOf("NakedWindow"), place);
+    });
+    EXPECT_EQ(log, Entries{});
+}
+
 TEST_F(Action, OfClosingIsTheOnlyThingThatHappensWhenItHasAHandler) {
     Manage();
     On(kUiActionClose, [this] { Log("first"); });

@@ -1,8 +1,14 @@
 // Names, components and actions that there are not, and calls in the wrong order: refused, and nothing comes of them.
 #include <windows.h>
 
+#include <atomic>
+#include <map>
+#include <string>
+#include <thread>
+
 #include <gtest/gtest.h>
 
+#include "tests/support/message_pump.h"
 #include "toolkit_scene.h"
 
 namespace {
@@ -77,6 +83,67 @@ TEST_F(WrongUse, OfCreationIsRefused) {
     Create();
     EXPECT_NE(ui_create_device_from_string(kDialog, "Dialog", kLoginDescription), 0);
     EXPECT_NE(host_reference::CreateOwnerDevice(kDialog, L"Owner"), 0);
+}
+
+/// What each of the toolkit's functions answers on a thread of its own.
+std::map<std::string, int> AnswersOnAnotherThread(UiCallback callback) {
+    std::map<std::string, int> answers;
+    std::atomic<bool> done = false;
+    std::thread thread([&answers, &done, callback] {
+        HWND window = nullptr;
+        answers = {
+            {"create", ui_create_device_from_string("Another", "Dialog", host_test::kLoginDescription)},
+            {"modify", ui_modify(kDialog, kDialog, kUiAttributeWidth, 321, 0)},
+            {"add action", ui_add_action(kDialog, kDialog, kUiActionClose, callback, nullptr, 0)},
+            {"set action", ui_set_action(kDialog, kDialog, kUiActionClose, callback, nullptr, 0)},
+            {"manage", ui_manage_device(kDialog)},
+            {"operation",
+             ui_do_operation(kDialog, "NakedWindow", kUiOperationGetNativeWindow, 0, &window, 0)},
+            {"operation on owner",
+             ui_do_operation(kOwner, kOwner, kUiOperationGetNativeWindow, 0, &window, 0)},
+            {"activate", ui_activate_device(kDialog)},
+            {"exit", ui_exit_device(kDialog, 0)},
+            {"destroy", ui_destroy_device(kDialog)},
+            {"timer", ui_set_timer(0, callback, nullptr)},
+            {"create owner", host_reference::CreateOwnerDevice("Another", L"Another")},
+            {"destroy owner", host_reference::DestroyOwnerDevice(kOwner)},
+        };
+        EXPECT_EQ(window, nullptr);
+        done = true;
+    });
+    // A call that gets through to a window of this thread is to fail the test, not to wait for this thread.
+    test_support::PumpUntil([&done] { return done.load(); });
+    thread.join();
+    return answers;
+}
+
+TEST_F(WrongUse, OnAnotherThreadIsRefusedAndLeavesTheDialogAsItIs) {
+    Manage();
+    On(kUiActionClose, [this] { Log("close"); });
+    RECT before = {};
+    GetWindowRect(dialog, &before);
+    ActivateAnd([this] {
+        for (const auto& [function, answer] : AnswersOnAnotherThread(&DoNothing)) {
+            EXPECT_NE(answer, 0) << function;
+        }
+        SendMessageW(dialog, WM_CLOSE, 0, 0);
+    });
+    RECT after = {};
+    GetWindowRect(dialog, &after);
+    EXPECT_EQ(after.right - after.left, before.right - before.left);
+    EXPECT_EQ(log, Entries{"close"});
+    EXPECT_EQ(NativeWindow(kDialog), dialog);
+    EXPECT_EQ(NativeWindow(kOwner), owner);
+    EXPECT_NE(ui_destroy_device("Another"), 0);
+    EXPECT_EQ(ui_destroy_device(kDialog), 0);
+}
+
+TEST_F(WrongUse, OnAnotherThreadDoesNotMakeTheWindows) {
+    Create();
+    int answer = 0;
+    std::thread([&answer] { answer = ui_manage_device(kDialog); }).join();
+    EXPECT_NE(answer, 0);
+    EXPECT_EQ(ui_manage_device(kDialog), 0);
 }
 
 TEST_F(WrongUse, WhileADeviceIsBeingDestroyedIsRefused) {

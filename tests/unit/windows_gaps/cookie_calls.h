@@ -10,7 +10,8 @@
 #include <gtest/gtest.h>
 #include <wininet.h>
 
-// mingw-w64 has the imports, but not the declarations.
+#if defined(__MINGW32__)
+// That toolchain's import library has these, its header does not.
 extern "C" {
 DWORD WINAPI InternetGetCookieEx2(PCWSTR url, PCWSTR cookieName, DWORD flags, INTERNET_COOKIE2** cookies,
                                   PDWORD count);
@@ -18,6 +19,7 @@ DWORD WINAPI InternetSetCookieEx2(PCWSTR url, const INTERNET_COOKIE2* cookie, PC
                                   PDWORD cookieState);
 void WINAPI InternetFreeCookies(INTERNET_COOKIE2* cookies, DWORD count);
 }
+#endif
 
 namespace windows_gaps_test {
 
@@ -47,8 +49,8 @@ std::ostream& operator<<(std::ostream& stream, const Written& written);
 
 Written Write(const std::wstring& url, NewCookie cookie, DWORD flags = INTERNET_COOKIE_NON_SCRIPT);
 
-/// "NAME=VALUE, DOMAIN, PATH, FLAGS" and, with an expiry, ", until FILETIME" for each cookie; a null text is "(null)". On
-/// failure one line, "error CODE".
+/// "NAME=VALUE, DOMAIN, PATH, FLAGS" and, with an expiry, ", until FILETIME" for each cookie; a null text is "(null)".
+/// On failure one line, "error CODE".
 Lines Read(const std::wstring& url, DWORD flags = INTERNET_COOKIE_NON_SCRIPT, PCWSTR name = nullptr);
 
 /// A moment so many seconds from now, or before now.

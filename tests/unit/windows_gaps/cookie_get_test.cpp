@@ -1,5 +1,6 @@
 // What the cookie store is said to hold, and the memory in which it is said.
 #include <cstddef>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -174,6 +175,15 @@ TEST_F(GetCookieEx2, TellsNothingOfACookieThatTheStoreHasNoLonger) {
     EXPECT_EQ(Read(Url()), kNone);
 }
 
+TEST_F(GetCookieEx2, TellsNothingOldOfACookieAfterTheExpiryThatWasWritten) {
+    Write(Url(),
+          {L"a", L"1", std::nullopt, std::nullopt, INTERNET_COOKIE_SAME_SITE_STRICT, SecondsFromNow(3600)});
+    SetAsServer(Url(), L"a", L"1; Path=/");
+    const LibraryImport<decltype(&GetSystemTimeAsFileTime)> later(
+        "kernel32.dll", "GetSystemTimeAsFileTime", [](FILETIME* time) { *time = SecondsFromNow(3601); });
+    EXPECT_EQ(Read(Url()), (Lines{"a=1, " + Host() + ", /, 0x00000000"}));
+}
+
 TEST_F(GetCookieEx2, HasForgottenWhatWasDeleted) {
     Write(Url(), {L"a", L"1", std::nullopt, std::nullopt, INTERNET_COOKIE_SAME_SITE_STRICT});
     Write(Url(), {L"a", L"1", std::nullopt, std::nullopt, 0, SecondsFromNow(-10)});
@@ -258,6 +268,14 @@ TEST_F(GetCookieEx2, FailsWithoutMemory) {
     EXPECT_EQ(InternetGetCookieEx2(Url().c_str(), nullptr, 0, &cookies, &count), kNoMemory);
     EXPECT_EQ(cookies, nullptr);
     EXPECT_EQ(count, 0U);
+}
+
+TEST_F(GetCookieEx2, LetsNoExceptionOut) {
+    const LibraryImport<decltype(&InternetGetCookieExW)> import(
+        "wininet.dll", "InternetGetCookieExW", [](LPCWSTR, LPCWSTR, LPWSTR, LPDWORD, DWORD, LPVOID) -> BOOL {
+            throw std::runtime_error("no cookies today");
+        });
+    EXPECT_EQ(Read(Url()), (Lines{"error 8"}));
 }
 
 } // namespace

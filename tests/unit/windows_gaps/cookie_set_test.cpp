@@ -1,6 +1,7 @@
 // What may be written into the cookie store, and what is refused.
 #include <limits>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 #include <windows.h>
@@ -184,6 +185,13 @@ TEST_F(SetCookieEx2, TakesTheLastExpiryThatThereIs) {
     const FILETIME last = {std::numeric_limits<DWORD>::max(), 0x7FFF35F4}; // in the year 30827
     EXPECT_EQ(Write(Url(), {L"a", L"1", std::nullopt, std::nullopt, 0, last}), kAccepted);
     EXPECT_EQ(Read(Url()), (Lines{"a=1, " + Host() + ", /, 0x00000000" + Until(last)}));
+}
+
+TEST_F(SetCookieEx2, LetsNoExceptionOut) {
+    const LibraryImport<decltype(&InternetSetCookieExW)> import(
+        "wininet.dll", "InternetSetCookieExW",
+        [](LPCWSTR, LPCWSTR, LPCWSTR, DWORD, DWORD_PTR) -> DWORD { throw std::runtime_error("not today"); });
+    EXPECT_EQ(Write(Url(), {L"a", L"1"}), (Written{ERROR_NOT_ENOUGH_MEMORY, COOKIE_STATE_UNKNOWN}));
 }
 
 } // namespace
