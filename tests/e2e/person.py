@@ -51,8 +51,8 @@ class Person:
         await_condition(lambda: self._locate() == (width, height), f"{width} x {height} of {self.title!r}")
 
     def colour_count(self) -> int:
-        """How many different colours there are in the window's lower half."""
-        area = f"{self.width - 20}x{self.height // 2}+{self.left + 10}+{self.top + self.height // 2 - 10}"
+        """How many different colours there are in the window, below its title bar and within its frame."""
+        area = f"{self.width - 20}x{self.height - 50}+{self.left + 10}+{self.top + 40}"
         command = ["convert", "x:root", "-crop", area, "-format", "%k", "info:"]
         return int(subprocess.run(command, check=True, capture_output=True, text=True).stdout)
 
