@@ -95,7 +95,7 @@ print(found // 3 % int(width) + 50, found // 3 // int(width) + 5) if found >= 0 
 PYTHON
     ) || return 1
     # shellcheck disable=SC2086  # two numbers
-    xdotool mousemove --sync $place click 1
+    xdotool mousemove $place click 1
 }
 
 # finish_viewer NAME: waits for the viewer; shows its trace and its last line, and compares what it downloaded.

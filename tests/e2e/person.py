@@ -37,7 +37,7 @@ class Person:
 
     def click(self, x: int, y: int) -> None:
         """Presses the left mouse button there."""
-        _xdotool("mousemove", "--sync", str(self.left + x), str(self.top + y), "click", "1")
+        _xdotool("mousemove", str(self.left + x), str(self.top + y), "click", "1")
 
     def close(self) -> None:
         """Presses the close button of the title bar."""
@@ -46,8 +46,8 @@ class Person:
     def resize(self, width: int, height: int) -> None:
         """Draws the bottom right corner of the window to where it gets that size."""
         right, bottom = self.left + self.width - CORNER, self.top + self.height - CORNER
-        _xdotool("mousemove", "--sync", str(right), str(bottom), "mousedown", "1",
-                 "mousemove", "--sync", str(right + width - self.width), str(bottom + height - self.height), "mouseup", "1")
+        _xdotool("mousemove", str(right), str(bottom), "mousedown", "1",
+                 "mousemove", str(right + width - self.width), str(bottom + height - self.height), "mouseup", "1")
         await_condition(lambda: self._locate() == (width, height), f"{width} x {height} of {self.title!r}")
 
     def colour_count(self) -> int:
