@@ -73,6 +73,12 @@ class LoginCase(BrowserCase):
         person.await_window()
         return person
 
+    def person_at_page(self, prompt: str = PROMPT) -> Person:
+        """A person at the login dialog with the login page in it."""
+        person = self.dialog(prompt)
+        self.await_page(person)
+        return person
+
     def await_page(self, person: Person, page_colour: str = PAGE_COLOUR) -> None:
         """Waits until the login page fills the dialog."""
         for x in (INSET, person.width - INSET):

@@ -19,8 +19,7 @@ class BalancedCase(LoginCase):
 
     def log_in_with(self, host: BrowserHost) -> None:
         host.tell("login")
-        person = self.dialog("Log in")
-        self.await_page(person)
+        person = self.person_at_page("Log in")
         self.log_in(person)
         host.await_event("login true")
 
@@ -55,8 +54,7 @@ class WithoutLoadBalancer(LoginCase):
         host = self.host(1, self.server.url + "/", KELDA_TEST_SERVER_COOKIE_FLAGS=SERVER_COOKIE_FLAGS,
                          MERIDO_ZANWEBBROWSER_IMPLEMENTATION="trace")
         host.tell("login")
-        person = self.dialog("Log in")
-        self.await_page(person)
+        person = self.person_at_page("Log in")
         self.log_in(person)
         host.await_event("login true")
         host.tell("create")

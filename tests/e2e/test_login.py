@@ -35,8 +35,7 @@ class DownloadCase(LoginCase):
 class Login(DownloadCase):
     def test_a_good_login_lets_the_document_be_downloaded(self) -> None:
         viewer = self.start_download()
-        person = self.dialog()
-        self.await_page(person)
+        person = self.person_at_page()
         save_picture(PICTURES / "login-dialog.png")
         self.log_in(person)
         person.await_end()
@@ -44,8 +43,7 @@ class Login(DownloadCase):
 
     def test_a_wrong_password_may_be_followed_by_the_right_one(self) -> None:
         viewer = self.start_download()
-        person = self.dialog()
-        self.await_page(person)
+        person = self.person_at_page()
         self.log_in(person, "no such password")
         self.await_page(person, WRONG_PAGE_COLOUR)
         self.log_in(person)
@@ -53,8 +51,7 @@ class Login(DownloadCase):
 
     def test_tab_moves_between_the_fields_and_the_button_and_enter_submits(self) -> None:
         viewer = self.start_download()
-        person = self.dialog()
-        self.await_page(person)
+        person = self.person_at_page()
         self.enter_page(person)
         person.type("anxa")
         person.press("Left", "BackSpace")
@@ -66,16 +63,14 @@ class Login(DownloadCase):
 
     def test_the_words_inprivate_nosso_and_devtools_are_accepted(self) -> None:
         viewer = self.start_download(words="inprivate,nosso,devtools")
-        person = self.dialog()
-        self.await_page(person)
+        person = self.person_at_page()
         self.log_in(person)
         self.assert_downloaded(viewer)
         self.assertIn("ZanWebBrowserEdge 0 Using InPrivate mode", viewer.trace())
 
     def test_the_page_has_the_keyboard_without_a_click(self) -> None:
         viewer = self.start_download()
-        person = self.dialog()
-        self.await_page(person)
+        person = self.person_at_page()
         person.type(USER)
         person.press("Tab")
         person.type(PASSWORD)
@@ -98,8 +93,7 @@ class Login(DownloadCase):
 class ClosedDialog(DownloadCase):
     def test_the_close_button_means_no_login(self) -> None:
         viewer = self.start_download()
-        person = self.dialog()
-        self.await_page(person)
+        person = self.person_at_page()
         person.close()
         self.assert_not_logged_in(viewer)
 
@@ -120,8 +114,7 @@ class SilentPage(DownloadCase):
 
     def test_a_login_that_the_page_does_not_report_is_none(self) -> None:
         viewer = self.start_download()
-        person = self.dialog()
-        self.await_page(person)
+        person = self.person_at_page()
         self.log_in(person)
         self.await_done_page(person)
         person.close()
@@ -134,8 +127,7 @@ class RepeatedReport(DownloadCase):
 
     def test_a_page_that_reports_twice_logs_in_once(self) -> None:
         viewer = self.start_download()
-        person = self.dialog()
-        self.await_page(person)
+        person = self.person_at_page()
         self.log_in(person)
         self.assert_downloaded(viewer)
         self.assertEqual(viewer.trace().count("ZanWebBrowserEdge 0 OnSessionAuthenticated();"), 1)

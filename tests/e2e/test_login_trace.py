@@ -14,8 +14,7 @@ class TraceCase(LoginCase):
 
     def assert_trace_of_login(self, name: str, words: str, **environment: str) -> None:
         viewer = self.start(words=words, **environment)
-        person = self.dialog()
-        self.await_page(person)
+        person = self.person_at_page()
         self.log_in(person)
         self.assertEqual(viewer.exit_code(), 0, viewer.last_line)
         trace = [self.without_chance(line) for line in viewer.trace()]
