@@ -170,8 +170,8 @@ begin() {
     # Each background job gets a process group, so that it can be ended as a whole.
     set -m
     # Nothing of the caller's own Wine, or of an earlier test by hand, is to get in.
-    unset WINEARCH WINEDEBUG WINEDLLOVERRIDES KELDA_PROMPT_SCRIPT KELDA_PROMPT_LOG KELDA_TEST_RUNTIME_VERSION KELDA_TEST_SERVER_COOKIE_FLAGS \
-        "${!MERIDO_@}" "${!WEBVIEW2_@}"
+    unset WINEARCH WINEDEBUG WINEDLLOVERRIDES KELDA_PROMPT_SCRIPT KELDA_PROMPT_LOG \
+        "${!KELDA_TEST_@}" "${!MERIDO_@}" "${!WEBVIEW2_@}"
     mkdir -p "$LOG_DIR" || fail "the folder build/ cannot be written"
     exec 9>"$PWD/build/.lock"
     flock --nonblock 9 || fail "another run is going on in this checkout"
