@@ -10,6 +10,9 @@ from tests.e2e.browser_host import await_condition, pixel_of_display
 CLOSE_BUTTON = (14, 13)
 CORNER = 2
 
+# So often the display is searched while windows go away in it.
+SEARCHES = 20
+
 
 class Person:
     """Looks at one top-level window, known by its title."""
@@ -25,7 +28,7 @@ class Person:
 
     def await_end(self) -> None:
         """Waits until no such window is there any more."""
-        await_condition(lambda: not _windows(self.title), f"the end of {self.title!r}")
+        await_condition(lambda: not windows(self.title), f"the end of {self.title!r}")
 
     def await_colour(self, colour: tuple[int, int, int], x: int, y: int) -> None:
         """Waits for a colour at a place of the window."""
@@ -67,7 +70,7 @@ class Person:
         _xdotool("key", "--delay", "30", *keys)
 
     def _locate(self) -> tuple[int, int]:
-        answer = _xdotool("getwindowgeometry", "--shell", _windows(self.title)[0])
+        answer = _xdotool("getwindowgeometry", "--shell", windows(self.title)[0])
         values = dict(line.split("=") for line in answer.split())
         self.left, self.top, self.width, self.height = (int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
         return self.width, self.height
@@ -83,9 +86,14 @@ def title_of_focus() -> str:
     return finished.stdout.strip() if finished.returncode == 0 else ""
 
 
-def _windows(title: str) -> list[str]:
+def windows(title: str) -> list[str]:
+    """The ids of the visible windows with that title."""
     command = ["xdotool", "search", "--onlyvisible", "--name", f"^{re.escape(title)}$"]
-    finished = subprocess.run(command, capture_output=True, text=True)
+    for _ in range(SEARCHES):
+        finished = subprocess.run(command, capture_output=True, text=True)
+        # A window that goes away while it is looked at ends the search.
+        if "BadWindow" not in finished.stderr:
+            break
     # 1 without a word means that there is none.
     if finished.returncode > 1 or finished.stderr:
         raise RuntimeError(f"the display cannot be searched: {finished.stderr}")
