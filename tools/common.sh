@@ -107,6 +107,8 @@ prepare_wine_prefix() {
     else
         stage_done "there"
     fi
+    # A program that was killed may have left the file of a cookie locked, for good: it could not be saved again.
+    rm -f "$WINEPREFIX"/drive_c/users/*/AppData/Local/Microsoft/Windows/INetCookies/*
     # The signs on the buttons of title bars. The package has the font where its Wine does not look for it.
     logged wine-font cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
     # Kept running until the end, with its services: every program start is quicker for it.
