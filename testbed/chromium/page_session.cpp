@@ -351,11 +351,18 @@ void PageSession::SetSize(LONG width, LONG height) {
 
 void PageSession::SendPictures(bool enabled) {
     sendsPictures_ = enabled;
-    if (enabled) {
-        Send("Page.startScreencast", {{"format", "png"}, {"everyNthFrame", 1}});
-    } else {
+    const int order = ++pictureOrders_;
+    if (!enabled) {
         Send("Page.stopScreencast");
+        return;
     }
+    Send("Page.startScreencast", {{"format", "png"}, {"everyNthFrame", 1}},
+         [this, order](const Json* result) {
+             // Refused while the page changes over to its next document.
+             if (result == nullptr && order == pictureOrders_ && connection_->Alive() && !withoutRenderer_) {
+                 SendPictures(true);
+             }
+         });
 }
 
 void PageSession::RestartPictures() {

@@ -123,6 +123,7 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     PictureSink* pictures_ = nullptr;
     bool closed_ = false;
     bool sendsPictures_ = false;
+    int pictureOrders_ = 0; // only the last one is repeated
     bool interception_ = false;
     bool dialogs_ = true;
     HWND dialogOwner_ = nullptr;
