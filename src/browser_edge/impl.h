@@ -4,7 +4,7 @@
 //   environment.cpp   Create: the environment, and the request for a controller
 //   controller.cpp    the controller's arrival: settings, size, host object, document script
 //   events.cpp        the table of event registrations and removals
-//   navigation.cpp    the first navigation, its outcome, what the page may request
+//   navigation.cpp    the first navigation, its outcome, the requests and responses of the page
 //   trust.cpp         certificates and challenges
 //   host_object.cpp   IDispatch
 //   session.cpp       the report of the session, and its cookies on their way to WinINet
@@ -100,7 +100,7 @@ class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDisp
     void StopListening();
     void UnregisterEvents(const WebViewObjects& objects) const;
 
-    bool useCookieManager_; // else the session is reported without its cookies
+    bool useCookieManager_; // else cookies are taken from the responses
     bool verboseTrace_;
     bool allowSingleSignOn_;
     bool inPrivate_;

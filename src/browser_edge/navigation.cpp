@@ -1,8 +1,10 @@
-// The first navigation, its outcome, and what is requested on the way.
+// The first navigation, its outcome, and what is requested and answered on the way.
 #include <string_view>
 
 #include "browser_edge/impl.h"
 #include "cookies/cookie_copy.h"
+#include "cookies/response_trace.h"
+#include "cookies/text_or_empty.h"
 #include "cookies/win_inet_cookies.h"
 #include "du/string_utilities.h"
 #include "support/com_call.h"
@@ -98,9 +100,24 @@ HRESULT ZanWebBrowserEdge::Impl::OnNavigationCompleted(ICoreWebView2* /*sender*/
     return S_OK;
 }
 
-// Responses are not looked at yet.
+// With "parse" the cookies of every response go to WinINet as it arrives, those of redirects included.
 HRESULT ZanWebBrowserEdge::Impl::OnWebResourceResponseReceived(
-    ICoreWebView2* /*sender*/, ICoreWebView2WebResourceResponseReceivedEventArgs* /*args*/) {
+    ICoreWebView2* /*sender*/, ICoreWebView2WebResourceResponseReceivedEventArgs* args) {
+    TraceResponse(args, verboseTrace_);
+    if (useCookieManager_) {
+        return S_OK;
+    }
+    ComPtr<ICoreWebView2WebResourceRequest> request;
+    args->get_Request(request.GetAddressOf());
+    ComText uri;
+    if (FAILED(CallOn(request, &ICoreWebView2WebResourceRequest::get_Uri, ReceiveText(uri)))) {
+        return S_OK;
+    }
+    ComPtr<ICoreWebView2WebResourceResponseView> response;
+    args->get_Response(response.GetAddressOf());
+    ComPtr<ICoreWebView2HttpResponseHeaders> headers;
+    CallOn(response, &ICoreWebView2WebResourceResponseView::get_Headers, headers.GetAddressOf());
+    CaptureSetCookies(TextOrEmpty(uri.get()), headers.Get(), verboseTrace_);
     return S_OK;
 }
 

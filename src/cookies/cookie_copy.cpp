@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "cookies/cookie_text.h"
+#include "cookies/cookie_trace.h"
 #include "cookies/text_or_empty.h"
 #include "cookies/web_view2_cookies.h"
 #include "cookies/win_inet_cookies.h"
@@ -54,7 +55,7 @@ void CopyToWinInet(ICoreWebView2Cookie* source, const std::wstring& url, bool tr
     CookieRecord cookie;
     FromWebView2Cookie(cookie, source);
     if (trace) {
-        kWebBrowserEdgeTrace.Info() << "Cookie received: " << du::WideStrToUtf8(ToSetCookieString(cookie));
+        TraceCookieReceived(cookie);
     }
     SetWinInetCookie(cookie, url);
 }

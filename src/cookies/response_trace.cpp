@@ -1,0 +1,115 @@
+// Headers are taken one by one as the runtime lists them: those of one name are never joined.
+#include "cookies/response_trace.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include <wrl/client.h>
+
+#include "cookies/cookie_record.h"
+#include "cookies/cookie_trace.h"
+#include "cookies/set_cookie_parser.h"
+#include "cookies/text_or_empty.h"
+#include "cookies/win_inet_cookies.h"
+#include "support/com_call.h"
+#include "support/com_text.h"
+
+using Microsoft::WRL::ComPtr;
+
+namespace kelda {
+namespace {
+
+using HeaderIterator = ComPtr<ICoreWebView2HttpHeadersCollectionIterator>;
+
+/// @param headers  A collection of request or response headers; may be empty.
+template <typename Collection>
+HeaderIterator IteratorOf(const ComPtr<Collection>& headers) {
+    HeaderIterator iterator;
+    CallOn(headers, &Collection::GetIterator, iterator.GetAddressOf());
+    return iterator;
+}
+
+/// Calls `visit` with name and value of each header; null counts as empty.
+template <typename Visit>
+void ForEachHeader(const HeaderIterator& iterator, Visit visit) {
+    BOOL hasCurrent = FALSE;
+    HRESULT result =
+        CallOn(iterator, &ICoreWebView2HttpHeadersCollectionIterator::get_HasCurrentHeader, &hasCurrent);
+    while (SUCCEEDED(result) && hasCurrent != FALSE) {
+        ComText name;
+        ComText value;
+        if (FAILED(iterator->GetCurrentHeader(ReceiveText(name), ReceiveText(value)))) {
+            return;
+        }
+        visit(name.get(), value.get());
+        hasCurrent = FALSE;
+        result = iterator->MoveNext(&hasCurrent);
+    }
+}
+
+void TraceHeaders(const std::wstring& title, const HeaderIterator& iterator, bool trace) {
+    if (trace) {
+        TraceLine(title);
+    }
+    ForEachHeader(iterator, [trace](const wchar_t* name, const wchar_t* value) {
+        if (trace) {
+            TraceLine(TextOrEmpty(name) + L": " + TextOrEmpty(value));
+        }
+    });
+    if (trace) {
+        TraceLine(L"End of headers");
+    }
+}
+
+/// Whatever the locale: only the letters of ASCII have two cases in a header's name.
+bool IsSetCookie(std::wstring_view name) {
+    const auto lower = [](wchar_t c) {
+        return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
+    };
+    return std::ranges::equal(name, std::wstring_view(L"set-cookie"), {}, lower);
+}
+
+void CaptureSetCookie(const std::wstring& uri, const std::wstring& value, bool trace) {
+    CookieRecord cookie;
+    ParseSetCookie(cookie, value); // without a "=" it has no name: the writer refuses it
+    if (trace) {
+        TraceCookieReceived(cookie);
+    }
+    SetWinInetCookie(cookie, uri);
+}
+
+} // namespace
+
+void TraceResponse(ICoreWebView2WebResourceResponseReceivedEventArgs* args, bool trace) {
+    ComPtr<ICoreWebView2WebResourceRequest> request;
+    args->get_Request(request.GetAddressOf());
+    ComPtr<ICoreWebView2WebResourceResponseView> response;
+    args->get_Response(response.GetAddressOf());
+    int status = 0;
+    CallOn(response, &ICoreWebView2WebResourceResponseView::get_StatusCode, &status);
+    ComText uri;
+    CallOn(request, &ICoreWebView2WebResourceRequest::get_Uri, ReceiveText(uri));
+    ComText method;
+    CallOn(request, &ICoreWebView2WebResourceRequest::get_Method, ReceiveText(method));
+    if (trace) {
+        TraceLine(L"Response " + std::to_wstring(status) + L" received for " + TextOrEmpty(method.get()) +
+                  L": " + TextOrEmpty(uri.get()));
+    }
+    ComPtr<ICoreWebView2HttpRequestHeaders> requestHeaders;
+    CallOn(request, &ICoreWebView2WebResourceRequest::get_Headers, requestHeaders.GetAddressOf());
+    TraceHeaders(L"Request headers:", IteratorOf(requestHeaders), trace);
+    ComPtr<ICoreWebView2HttpResponseHeaders> responseHeaders;
+    CallOn(response, &ICoreWebView2WebResourceResponseView::get_Headers, responseHeaders.GetAddressOf());
+    TraceHeaders(L"Response headers:", IteratorOf(responseHeaders), trace);
+}
+
+void CaptureSetCookies(const std::wstring& uri, ICoreWebView2HttpResponseHeaders* headers, bool trace) {
+    const ComPtr<ICoreWebView2HttpResponseHeaders> kept = headers;
+    ForEachHeader(IteratorOf(kept), [&](const wchar_t* name, const wchar_t* value) {
+        if (IsSetCookie(TextOrEmpty(name))) {
+            CaptureSetCookie(uri, TextOrEmpty(value), trace);
+        }
+    });
+}
+
+} // namespace kelda
