@@ -20,6 +20,13 @@ namespace {
 constexpr const wchar_t* kFirstRequestHeaders = L"Accept: */*\r\nPragma: no-cache\r\n";
 constexpr std::wstring_view kEmptyScript = L"javascript:void(0)";
 
+/// Empty where it cannot be had.
+std::wstring UriOf(const ComPtr<ICoreWebView2WebResourceRequest>& request) {
+    ComText uri;
+    CallOn(request, &ICoreWebView2WebResourceRequest::get_Uri, ReceiveText(uri));
+    return TextOrEmpty(uri.get());
+}
+
 } // namespace
 
 HRESULT ZanWebBrowserEdge::Impl::OnDocumentScriptAdded(HRESULT result, LPCWSTR id) {
@@ -109,15 +116,14 @@ HRESULT ZanWebBrowserEdge::Impl::OnWebResourceResponseReceived(
     }
     ComPtr<ICoreWebView2WebResourceRequest> request;
     args->get_Request(request.GetAddressOf());
-    ComText uri;
-    if (FAILED(CallOn(request, &ICoreWebView2WebResourceRequest::get_Uri, ReceiveText(uri)))) {
-        return S_OK;
-    }
+    const std::wstring uri = UriOf(request);
     ComPtr<ICoreWebView2WebResourceResponseView> response;
     args->get_Response(response.GetAddressOf());
     ComPtr<ICoreWebView2HttpResponseHeaders> headers;
     CallOn(response, &ICoreWebView2WebResourceResponseView::get_Headers, headers.GetAddressOf());
-    CaptureSetCookies(TextOrEmpty(uri.get()), headers.Get(), verboseTrace_);
+    if (!uri.empty()) { // else nobody could tell whose cookies they are
+        CaptureSetCookies(uri, headers, verboseTrace_);
+    }
     return S_OK;
 }
 

@@ -29,36 +29,40 @@ HeaderIterator IteratorOf(const ComPtr<Collection>& headers) {
     return iterator;
 }
 
-/// Calls `visit` with name and value of each header; null counts as empty.
+/// Calls `visit` with name and value of the header that the iterator is at; either may be null. They are freed here.
+/// @return whether they could be had.
 template <typename Visit>
-void ForEachHeader(const HeaderIterator& iterator, Visit visit) {
+bool VisitCurrent(const HeaderIterator& iterator, const Visit& visit) {
+    ComText name;
+    ComText value;
+    if (FAILED(iterator->GetCurrentHeader(ReceiveText(name), ReceiveText(value)))) {
+        return false;
+    }
+    visit(name.get(), value.get());
+    return true;
+}
+
+template <typename Visit>
+void ForEachHeader(const HeaderIterator& iterator, const Visit& visit) {
     BOOL hasCurrent = FALSE;
     HRESULT result =
         CallOn(iterator, &ICoreWebView2HttpHeadersCollectionIterator::get_HasCurrentHeader, &hasCurrent);
-    while (SUCCEEDED(result) && hasCurrent != FALSE) {
-        ComText name;
-        ComText value;
-        if (FAILED(iterator->GetCurrentHeader(ReceiveText(name), ReceiveText(value)))) {
-            return;
-        }
-        visit(name.get(), value.get());
+    while (SUCCEEDED(result) && hasCurrent != FALSE && VisitCurrent(iterator, visit)) {
         hasCurrent = FALSE;
         result = iterator->MoveNext(&hasCurrent);
     }
 }
 
 void TraceHeaders(const std::wstring& title, const HeaderIterator& iterator, bool trace) {
-    if (trace) {
-        TraceLine(title);
+    if (!trace) {
+        ForEachHeader(iterator, [](const wchar_t*, const wchar_t*) {});
+        return;
     }
-    ForEachHeader(iterator, [trace](const wchar_t* name, const wchar_t* value) {
-        if (trace) {
-            TraceLine(TextOrEmpty(name) + L": " + TextOrEmpty(value));
-        }
+    TraceLine(title);
+    ForEachHeader(iterator, [](const wchar_t* name, const wchar_t* value) {
+        TraceLine(TextOrEmpty(name) + L": " + TextOrEmpty(value));
     });
-    if (trace) {
-        TraceLine(L"End of headers");
-    }
+    TraceLine(L"End of headers");
 }
 
 /// Whatever the locale: only the letters of ASCII have two cases in a header's name.
@@ -103,9 +107,9 @@ void TraceResponse(ICoreWebView2WebResourceResponseReceivedEventArgs* args, bool
     TraceHeaders(L"Response headers:", IteratorOf(responseHeaders), trace);
 }
 
-void CaptureSetCookies(const std::wstring& uri, ICoreWebView2HttpResponseHeaders* headers, bool trace) {
-    const ComPtr<ICoreWebView2HttpResponseHeaders> kept = headers;
-    ForEachHeader(IteratorOf(kept), [&](const wchar_t* name, const wchar_t* value) {
+void CaptureSetCookies(const std::wstring& uri, const ComPtr<ICoreWebView2HttpResponseHeaders>& headers,
+                       bool trace) {
+    ForEachHeader(IteratorOf(headers), [&](const wchar_t* name, const wchar_t* value) {
         if (IsSetCookie(TextOrEmpty(name))) {
             CaptureSetCookie(uri, TextOrEmpty(value), trace);
         }

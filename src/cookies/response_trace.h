@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include <wrl/client.h>
+
 #include "WebView2.h"
 
 namespace kelda {
@@ -14,9 +16,10 @@ void TraceResponse(ICoreWebView2WebResourceResponseReceivedEventArgs* args, bool
 
 /// Writes the cookie of each Set-Cookie header into WinINet, as a cookie of `uri`, in the order of the headers. One that
 /// WinINet refuses is traced and does not stop the others.
-/// @param headers  Null where there are none.
+/// @param headers  May be empty.
 /// @param trace  Whether to trace each cookie.
 /// Throws as ParseSetCookie does; the cookies of the headers before that one are written.
-void CaptureSetCookies(const std::wstring& uri, ICoreWebView2HttpResponseHeaders* headers, bool trace);
+void CaptureSetCookies(const std::wstring& uri,
+                       const Microsoft::WRL::ComPtr<ICoreWebView2HttpResponseHeaders>& headers, bool trace);
 
 } // namespace kelda

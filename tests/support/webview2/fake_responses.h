@@ -12,6 +12,11 @@ namespace test_support {
 
 using HeaderFields = std::vector<std::pair<std::wstring, std::wstring>>;
 
+/// Whether a call that takes texts gives any. S_FALSE is a success that gives none.
+inline bool GivesTexts(HRESULT result) {
+    return result == S_OK;
+}
+
 /// What an exchange with a server says.
 struct ExchangeContent {
     std::wstring uri = L"http://server/login";
@@ -32,8 +37,8 @@ class FakeHeaderIterator final : public FakeRuntimeObject<ICoreWebView2HttpHeade
     }
     HRESULT STDMETHODCALLTYPE GetCurrentHeader(LPWSTR* name, LPWSTR* value) override {
         const HRESULT result = Called("GetCurrentHeader", std::to_string(position_));
-        *name = SUCCEEDED(result) ? ComCopy(headers_.at(position_).first) : nullptr;
-        *value = SUCCEEDED(result) ? ComCopy(headers_.at(position_).second) : nullptr;
+        *name = GivesTexts(result) ? ComCopy(headers_.at(position_).first) : nullptr;
+        *value = GivesTexts(result) ? ComCopy(headers_.at(position_).second) : nullptr;
         return result;
     }
     HRESULT STDMETHODCALLTYPE MoveNext(BOOL* hasNext) override {
@@ -91,7 +96,7 @@ class FakeAnsweredRequest final : public FakeRuntimeObject<ICoreWebView2WebResou
   private:
     HRESULT GiveText(const char* getter, const std::wstring& text, LPWSTR* out) const {
         const HRESULT result = Called(getter);
-        *out = SUCCEEDED(result) ? ComCopy(text) : nullptr;
+        *out = GivesTexts(result) ? ComCopy(text) : nullptr;
         return result;
     }
 
