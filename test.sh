@@ -6,7 +6,7 @@ cd "$(dirname "$0")" || exit 1
 . tools/common.sh
 
 begin
-install_packages "${COMMON_PACKAGES[@]}" chromium g++ clang-format clang-tidy cppcheck shellcheck pyflakes3
+install_packages "${COMMON_PACKAGES[@]}" chromium libnss3-tools g++ clang-format clang-tidy cppcheck shellcheck pyflakes3
 configure_options=(-DKELDA_REQUIRE_LINTERS=ON)
 build_targets all
 start_display

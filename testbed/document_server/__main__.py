@@ -15,9 +15,11 @@ if not __package__:
     sys.path[0] = str(Path(__file__).resolve().parent.parent)
 
 from document_server.balancer import Balancer
-from document_server.certificate import CertificateError, self_signed_context
+from document_server.certificate import CERTIFICATES, SELF_SIGNED, SIGNED, tls_context
+from document_server.openssl import CertificateError
 from document_server.request_log import RequestLog
 from document_server.routes import ROUTES, respond
+from document_server.secure_login import sending_logins_to
 from document_server.server import HOST, Server
 from document_server.site import DEFAULT_LOGIN_PAGE, Site
 from document_server.viewer_login import LOGIN_PAGES
@@ -82,18 +84,40 @@ def command_line() -> argparse.ArgumentParser:
     parser.add_argument("--login-page", choices=LOGIN_PAGES, default=DEFAULT_LOGIN_PAGE, metavar="KIND",
                         help="kind of a viewer's login page: form (the default), silent and twice are a form "
                              "after which the session is reported once, never or twice; report logs in and "
-                             "reports without any input; broken closes the connection without an answer; "
+                             "reports without any input; redirects goes over two redirects with a cookie each "
+                             "and does not report; asks is a form behind Basic authentication; popup, dialog and "
+                             "worker are a form that opens a window, shows an alert or starts a service worker; "
+                             "framed has the form in a frame of another site; odd is a form that fetches odd answers; unanswered is a form that is not "
+                             "answered when it is posted; broken closes the connection without an answer; "
                              "refused-status answers 500; stalled does not answer for a minute")
     parser.add_argument("--back-ends", type=back_end_count, metavar="N",
                         help="put a load balancer with so many back-ends before the server, each with "
                              "sessions of its own; without this there is none")
     parser.add_argument("--log", type=Path, metavar="FILE",
                         help="append one line with a JSON object to FILE for every request")
-    parser.add_argument("--tls", action="store_true",
-                        help="serve https with a self-signed certificate for localhost, made on the spot")
+    certificate = {"nargs": "?", "choices": CERTIFICATES, "const": SELF_SIGNED, "metavar": "KIND"}
+    listeners = parser.add_mutually_exclusive_group()
+    listeners.add_argument("--tls", **certificate,
+                           help="serve https with a certificate for localhost, made on the spot: untrusted (the "
+                                "default) is signed by itself, good, expired and wrong-name by the authority")
+    listeners.add_argument("--secure-login", **certificate,
+                           help="serve http, but send those who ask for a viewer's login page on to https, on "
+                                "another port and with a certificate of that kind")
+    parser.add_argument("--authority", type=Path, metavar="FOLDER",
+                        help="where the authority's certificate and key are, authority.pem and authority.key; "
+                             "both are made if they are missing")
     parser.add_argument("--exit-with-parent", action="store_true",
                         help="end as well when the process that started this one has ended")
     return parser
+
+
+def options_of(arguments: list[str] | None = None) -> argparse.Namespace:
+    """The options in these arguments, or those of the process; wrong ones end it."""
+    parser = command_line()
+    options = parser.parse_args(arguments)
+    if (options.tls or options.secure_login) in SIGNED and not options.authority:
+        parser.error(f"--authority is needed for a certificate that is {options.tls or options.secure_login}")
+    return options
 
 
 @contextmanager
@@ -106,17 +130,22 @@ def reported(failure: str) -> Iterator[None]:
         sys.exit(1)
 
 
-def open_server(options: argparse.Namespace) -> Server:
-    """A server that accepts connections; nobody answers them yet."""
+def open_servers(options: argparse.Namespace) -> list[Server]:
+    """The server, and after it one for the login page if that has its own, that accept connections; nobody
+    answers them yet."""
     with reported(f"cannot write the log {options.log}"):
         log = RequestLog(options.log)
     with reported("cannot make a certificate"):
-        tls = self_signed_context() if options.tls else None
-    site = Site(options.user, options.password, options.realm, secure=options.tls, log=log,
+        kind = options.tls or options.secure_login
+        tls = tls_context(kind, options.authority) if kind else None
+    site = Site(options.user, options.password, options.realm, secure=options.tls is not None, log=log,
                 login_page=options.login_page,
                 balancer=Balancer(options.back_ends) if options.back_ends else None)
     with reported(f"cannot listen on {HOST}:{options.port}"):
-        return Server(options.port, site, respond, tls)
+        if not options.secure_login:
+            return [Server(options.port, site, respond, tls)]
+        login_server = Server(0, site, respond, tls)
+        return [Server(options.port, site, sending_logins_to(login_server.url)), login_server]
 
 
 def wait_for_end(parent: int | None) -> None:
@@ -131,13 +160,14 @@ def wait_for_end(parent: int | None) -> None:
 def main() -> int:
     """Runs the program; the result is its exit status."""
     parent = os.getppid()
-    options = command_line().parse_args()
+    options = options_of()
     # Blocked before the first thread starts, for threads inherit that: only wait_for_end() sees the signals.
     signal.pthread_sigmask(signal.SIG_BLOCK, END_SIGNALS)
-    server = open_server(options)
-    # This thread and those of the connections are daemons: they end with the process, whatever they wait for.
-    threading.Thread(target=server.serve_forever, name="accept", daemon=True).start()
-    print(f"listening on {server.url}", flush=True)
+    servers = open_servers(options)
+    # These threads and those of the connections are daemons: they end with the process, whatever they wait for.
+    for server in servers:
+        threading.Thread(target=server.serve_forever, name="accept", daemon=True).start()
+    print(f"listening on {servers[0].url}", flush=True)
     wait_for_end(parent if options.exit_with_parent else None)
     return 0
 

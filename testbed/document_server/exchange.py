@@ -14,7 +14,7 @@ HTML = "text/html; charset=utf-8"
 BINARY = "application/octet-stream"
 
 LOGGED_HEADERS = ("Host", "User-Agent", "Accept", "Accept-Encoding", "Cookie", "Referer", "Pragma", "Content-Type",
-                  "Content-Length", "Connection")
+                  "Content-Length", "Connection", "X-Client-Certificate")
 UNFRAMED_STATUSES = frozenset({204, 304})
 BODILESS_STATUSES = UNFRAMED_STATUSES | {205}
 
@@ -40,12 +40,14 @@ def whole_number(text: str, lowest: int, highest: int) -> int:
 class Exchange:
     """Belongs to the thread of its connection. A handler reads the request and calls one answering method."""
 
-    def __init__(self, method: str, target: str, headers: Message, site: Site,
+    def __init__(self, method: str, target: str, headers: Message, origin: str, site: Site,
                  send: Callable[[bytes], object]) -> None:
-        """Takes a request without its body; send writes to the client and raises OSError if that is gone."""
+        """Takes a request without its body and the address of the server that it came to, without a slash at the
+        end; send writes to the client and raises OSError if that is gone."""
         self.method = method
         self.target = target
         self.headers = headers
+        self.origin = origin
         self.site = site
         self.body = b""
         self.keep_alive = True
@@ -134,6 +136,7 @@ class Exchange:
         credentials = basic_credentials(authorization)
         present = [name for name in LOGGED_HEADERS if name in self.headers]
         self.site.log.append({
+            "scheme": self.origin.partition(":")[0],
             "method": self.method,
             "path": self.target,
             "status": status,

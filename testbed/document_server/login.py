@@ -6,7 +6,7 @@ from urllib.parse import quote
 
 from .credentials import BasicCredentials, same_credentials
 from .documents import DEFAULT_SIZE, MAXIMUM_SIZE, document
-from .exchange import BINARY, HTML, Exchange, Refusal
+from .exchange import BINARY, HTML, Exchange, Headers, Refusal
 from .session_cookie import admits_session, end_session, has_session, open_session
 
 FORM_PATH = "/login/form"
@@ -15,11 +15,14 @@ HOME_PATH = "/"
 # Browsers read a backslash like a slash and drop control characters: either could make a host out of a path.
 LOCAL_PATH = re.compile(r"/(?![/\\])[!-\[\]-~]*")
 
-# Tests tell the pages by their colours: the form, the form after a wrong password, and what follows the right one.
-# The name stands on a band of this height (in pixels) across the top.
+# Tests tell the pages by their colours: the form, the form after a wrong password, what follows the right one, and
+# what some kinds of login page show besides. The name stands on a band of this height (in pixels) across the top.
 PAGE_COLOUR = "#e8eef4"
 WRONG_PAGE_COLOUR = "#f6dcc8"
 DONE_PAGE_COLOUR = "#d0ecd0"
+CHALLENGE_PAGE_COLOUR = "#e4d4f0"
+NEW_WINDOW_COLOUR = "#f4f0c4"
+WORKER_PAGE_COLOUR = "#f0c8dc"
 BAND_COLOUR = "#1f4e79"
 BAND_HEIGHT = 64
 
@@ -41,7 +44,7 @@ def login_form(exchange: Exchange) -> None:
 
 def report(exchange: Exchange) -> None:
     """A page whose script reports a session twice to the host object of the browser that shows it."""
-    exchange.answer(200, done_page(reports=2), content_type=HTML)
+    show_done(exchange, reports=2)
 
 
 def logout(exchange: Exchange) -> None:
@@ -77,8 +80,9 @@ def form_has_credentials(exchange: Exchange) -> bool:
                             exchange.site.user, exchange.site.password)
 
 
-def show_form(exchange: Exchange, hidden_fields: str = "") -> None:
-    """Answers the form; to a form that was posted it says that the credentials were wrong."""
+def show_form(exchange: Exchange, hidden_fields: str = "", welcome: str = "") -> None:
+    """Answers the form; to a form that was posted it says that the credentials were wrong. The welcome is a script
+    for the form as it is at first."""
     wrong = exchange.method == "POST"
     form = f"""<form method="post">
 <p><label>User <input name="user" autofocus></label></p>
@@ -86,20 +90,34 @@ def show_form(exchange: Exchange, hidden_fields: str = "") -> None:
 {hidden_fields}<p><button>Log in</button></p>
 </form>
 """
-    exchange.answer(200, _page("Document server login", WRONG_PAGE_COLOUR if wrong else PAGE_COLOUR,
-                               WRONG + form if wrong else form), content_type=HTML)
+    if wrong:
+        answer_page(exchange, "Document server login", WRONG_PAGE_COLOUR, WRONG + form)
+    else:
+        answer_page(exchange, "Document server login", PAGE_COLOUR, form + script(welcome))
 
 
-def done_page(reports: int) -> str:
-    """The page that follows a login; its script reports the session so many times to the host object."""
-    script = f"<script>\n{REPORT_CALL * reports}</script>\n" if reports else ""
-    return _page("Logged in", DONE_PAGE_COLOUR, script)
+def show_done(exchange: Exchange, reports: int, headers: Headers = ()) -> None:
+    """Answers the page that follows a login; its script reports the session so many times to the host object."""
+    answer_page(exchange, "Logged in", DONE_PAGE_COLOUR, script(REPORT_CALL * reports), headers)
 
 
-def _page(name: str, colour: str, content: str) -> str:
+def answer_page(exchange: Exchange, name: str, colour: str, content: str = "", headers: Headers = (),
+                status: int = 200) -> None:
+    """Answers a page with its name on a band and the content, which is HTML, below it."""
+    exchange.answer(status, page(name, colour, content), headers, HTML)
+
+
+def script(lines: str) -> str:
+    """The element that runs lines of JavaScript; nothing for none."""
+    return f"<script>\n{lines}</script>\n" if lines else ""
+
+
+def page(name: str, colour: str, content: str = "") -> str:
+    """A whole page with its name on a band and the content, which is HTML, below it. Its icon is empty: browsers ask
+    for one at a time of their own."""
     return f"""<!DOCTYPE html>
 <html lang="en">
-<head><meta charset="utf-8"><title>{name}</title>
+<head><meta charset="utf-8"><title>{name}</title><link rel="icon" href="data:,">
 <style>
 body {{ margin: 0; background: {colour}; font: 16px sans-serif; }}
 h1 {{ margin: 0; padding: 0 24px; background: {BAND_COLOUR}; color: white;

@@ -6,14 +6,17 @@ from functools import cache
 from typing import NamedTuple
 from urllib.parse import unquote
 
-from . import hostile
+from . import cookie_shapes, hostile
 from .credentials import basic_challenge, digest_challenge
 from .documents import filler, filler_in_pieces
 from .exchange import HTML, Exchange, whole_number
+from .framed_login import FRAME_PATH, login_frame
 from .login import (FORM_PATH, answer_document, guarded_document, login_form, logout, report,
                     session_document)
+from .redirected_login import DONE_PATH, STEP_PATH, login_done, login_step
 from .session_cookie import has_session
-from .viewer_login import access_check, login_page
+from .viewer_login import LOGIN_PAGE_PATH, NEW_WINDOW_PATH, access_check, login_page, new_window
+from .worker_login import ACTIVE_PATH, WORKER_PATH, worker_active, worker_script
 
 LARGEST_BODY = 10**15
 
@@ -130,6 +133,11 @@ def empty(exchange: Exchange) -> None:
     exchange.answer(200)
 
 
+def no_headers(exchange: Exchange) -> None:
+    """200 and a small body without a single header; the connection ends with it."""
+    exchange.raw(b"HTTP/1.1 200 OK\r\n\r\n", b"No headers.\n", status=200)
+
+
 @cache
 def _expression(pattern: str) -> re.Pattern[str]:
     segments = re.sub(r"(?<=/)[A-Z]+\b", lambda word: f"(?P<{word[0].lower()}>[^/]+)", re.escape(pattern))
@@ -166,7 +174,13 @@ ROUTES = (
     Route("/login/report", report),
     Route("/login/documents/NAME", session_document),
     Route("/logout", logout),
-    Route("/qxcore/jsp/qvs/vislogon.jsp", login_page, FORM_METHODS),
+    Route(LOGIN_PAGE_PATH, login_page, FORM_METHODS),
+    Route(STEP_PATH, login_step),
+    Route(DONE_PATH, login_done),
+    Route(NEW_WINDOW_PATH, new_window),
+    Route(FRAME_PATH, login_frame, FORM_METHODS),
+    Route(WORKER_PATH, worker_script),
+    Route(ACTIVE_PATH, worker_active),
     Route("/ARPublish/veltauth/check_authenticated_access.txt", access_check),
     Route("/documents/NAME", guarded_document),
     Route("/mixed/documents/NAME", mixed_document),
@@ -181,6 +195,10 @@ ROUTES = (
     Route("/unauthorized/several", unauthorized_several),
     Route("/bytes/COUNT", body_of_bytes),
     Route("/empty", empty),
+    Route("/headers/none", no_headers),
+    Route("/cookies/twenty", cookie_shapes.twenty),
+    Route("/cookies/chain", cookie_shapes.chain),
+    Route("/cookies/names", cookie_shapes.names),
     Route("/hostile/garbage", hostile.garbage),
     Route("/hostile/drop", hostile.drop),
     Route("/hostile/bare-html", hostile.bare_html),

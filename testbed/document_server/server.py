@@ -71,7 +71,8 @@ class Connection(BaseHTTPRequestHandler):
         self.wfile.write(f"HTTP/1.1 {int(code)} \r\nConnection: close\r\nContent-Length: 0\r\n\r\n".encode())
 
     def _answer(self) -> None:
-        exchange = Exchange(self.command, self.path, self.headers, self.server.site, self.wfile.write)
+        exchange = Exchange(self.command, self.path, self.headers, self.server.url, self.server.site,
+                            self.wfile.write)
         exchange.keep_alive = not self.close_connection
         try:
             exchange.body = self._read_body(exchange)

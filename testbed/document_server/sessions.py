@@ -20,10 +20,10 @@ class SessionTable:
             self._users[identifier] = user
         return identifier
 
-    def close(self, identifier: str | None) -> None:
-        """Ends a session, if there is one of that identifier."""
+    def close(self, identifier: str | None) -> bool:
+        """Ends a session; False if there is none of that identifier."""
         with self._lock:
-            self._users.pop(identifier or "", None)
+            return self._users.pop(identifier or "", None) is not None
 
     def user(self, identifier: str | None) -> str | None:
         """The user of a session, or None if there is no such session."""

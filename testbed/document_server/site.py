@@ -4,13 +4,14 @@ from dataclasses import dataclass, field
 
 from .balancer import BackEnd, Balancer
 from .request_log import RequestLog
+from .sessions import SessionTable
 
 DEFAULT_LOGIN_PAGE = "form"
 
 
 @dataclass(frozen=True)
 class Site:
-    """The settings, the back-ends and the request log; all of it may be used on any thread."""
+    """The settings, the back-ends, the tickets and the request log; all of it may be used on any thread."""
 
     user: str
     password: str
@@ -20,6 +21,7 @@ class Site:
     login_page: str = DEFAULT_LOGIN_PAGE
     balancer: Balancer | None = None
     only_back_end: BackEnd = field(default_factory=lambda: BackEnd(None))
+    tickets: SessionTable = field(default_factory=SessionTable)
 
     def back_end(self, pool_cookie: str | None) -> tuple[BackEnd, list[tuple[str, str]]]:
         """The back-end of a request with that cookie, and the headers that the answer gets for it."""

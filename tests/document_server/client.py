@@ -3,6 +3,8 @@
 import base64
 import http.client
 import socket
+import ssl
+from contextlib import closing
 from typing import NamedTuple
 from urllib.parse import urlencode
 
@@ -25,6 +27,12 @@ class Answer(NamedTuple):
 def connect(server: DocumentServer) -> http.client.HTTPConnection:
     """A connection without TLS, which the caller closes."""
     return http.client.HTTPConnection("127.0.0.1", server.port, timeout=TIMEOUT_SECONDS)
+
+
+def secure_connection(server: DocumentServer, host: str, context: ssl.SSLContext,
+                      port: int | None = None) -> closing[http.client.HTTPSConnection]:
+    """A block with a connection under a name of the server, to another port of it if one is given."""
+    return closing(http.client.HTTPSConnection(host, port or server.port, timeout=TIMEOUT_SECONDS, context=context))
 
 
 def ask(connection: http.client.HTTPConnection, path: str, method: str = "GET",

@@ -30,7 +30,7 @@ def writes(path: str) -> list[bytes]:
     """What the server hands to the socket for a request, one element per write."""
     written: list[bytes] = []
     site = Site("anna", "kelda-demo", "realm", secure=False, log=RequestLog(None))
-    respond(Exchange("GET", path, Message(), site, written.append))
+    respond(Exchange("GET", path, Message(), "http://127.0.0.1:80", site, written.append))
     return written
 
 

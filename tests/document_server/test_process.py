@@ -14,7 +14,8 @@ import unittest
 from contextlib import redirect_stderr
 from pathlib import Path
 
-from document_server.__main__ import command_line
+from document_server.__main__ import options_of
+from document_server.certificate import CERTIFICATES
 from document_server.routes import ROUTES
 from document_server.viewer_login import LOGIN_PAGES
 
@@ -75,14 +76,25 @@ class Start(unittest.TestCase):
                 self.assertIn(f"\n| `{kind}` | ", readme)
                 self.assertRegex(usage, rf"kind of a viewer's login page:.*\b{kind}\b.*--back-ends N put")
 
+    def test_help_and_readme_list_every_kind_of_certificate(self) -> None:
+        readme = (PROGRAM / "README.md").read_text("utf-8")
+        usage = " ".join(run("--help").stdout.split())
+        for kind in CERTIFICATES:
+            with self.subTest(kind):
+                self.assertIn(f"\n| `{kind}` | ", readme)
+                self.assertRegex(usage, rf"serve https with a certificate.*\b{kind}\b.*--secure-login \[KIND\] serve")
+
     def test_wrong_options_give_the_usage_and_status_2(self) -> None:
         for options in (("--port", "x"), ("--port", "65536"), ("--port", "-1"), ("--port",),
                         ("--user", "a:b"), ("--realm", "a\r\nb"), ("--tls=yes",), ("surplus",),
+                        ("--tls", "Good"), ("--tls=",), ("--secure-login", "surplus"), ("--tls", "--secure-login"),
+                        *((option, kind) for option in ("--tls", "--secure-login")
+                          for kind in ("good", "expired", "wrong-name")), ("--authority",),
                         ("--login-page", "Form"), ("--login-page", ""), ("--back-ends", "0"),
                         ("--back-ends", "101"), ("--back-ends", "-1"), ("--back-ends", "two")):
             with self.subTest(options), redirect_stderr(io.StringIO()) as errors:
                 with self.assertRaises(SystemExit) as exit_of:
-                    command_line().parse_args(options)
+                    options_of(list(options))
                 self.assertEqual(exit_of.exception.code, 2)
                 self.assertTrue(errors.getvalue().startswith("usage: document_server "))
                 self.assertIn("document_server: error: ", errors.getvalue())
@@ -97,7 +109,9 @@ class Start(unittest.TestCase):
                     (("--port", str(server.port)), {},
                      f"cannot listen on 127.0.0.1:{server.port}: Address already in use"),
                     (("--log", nowhere), {}, f"cannot write the log {nowhere}: No such file or directory"),
-                    (("--tls",), {"PATH": folder}, "cannot make a certificate: No such file or directory")):
+                    (("--tls",), {"PATH": folder}, "cannot make a certificate: No such file or directory"),
+                    (("--tls", "good", "--authority", nowhere), {},
+                     "cannot make a certificate: No such file or directory")):
                 with self.subTest(options):
                     result = run(*options, environment=environment)
                     self.assertEqual((result.returncode, result.stdout, result.stderr),
@@ -133,6 +147,14 @@ class End(unittest.TestCase):
             self.assertEqual(os.listdir(folder), [])
             self.assertEqual(server.stop(), 0)
             self.assertEqual(os.listdir(folder), [])
+
+    def test_an_authority_is_all_that_a_tls_server_leaves_behind(self) -> None:
+        with (tempfile.TemporaryDirectory() as temporary, tempfile.TemporaryDirectory() as authority,
+              DocumentServer("--tls", "good", "--authority", authority,
+                             environment={"TMPDIR": temporary}) as server):
+            self.assertEqual(server.stop(), 0)
+            self.assertEqual((os.listdir(temporary), sorted(os.listdir(authority))),
+                             ([], ["authority.key", "authority.pem"]))
 
     def test_a_signal_while_the_certificate_is_made_leaves_no_files_behind(self) -> None:
         with tempfile.TemporaryDirectory() as folder:

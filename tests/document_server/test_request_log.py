@@ -27,7 +27,7 @@ class RequestLog(ServerTest):
         entry = self.last()
         number = entry.pop("number")
         self.assertEqual(entry, {
-            "method": "GET", "path": "/status/404?a=b&c=%20", "status": 404,
+            "scheme": "http", "method": "GET", "path": "/status/404?a=b&c=%20", "status": 404,
             "headers": {"Host": f"127.0.0.1:{self.server.port}", "User-Agent": "test", "Accept": "*/*",
                         "Accept-Encoding": "identity"},
             "authorization": None, "user": None, "credentials_accepted": None,
@@ -36,7 +36,8 @@ class RequestLog(ServerTest):
 
     def test_the_headers_that_matter_are_logged_as_sent(self) -> None:
         sent = {"Host": "h", "User-Agent": "u", "Accept": "a", "Accept-Encoding": "e", "Cookie": "c=d",
-                "Referer": "r", "Content-Type": "t", "Content-Length": "0", "Connection": "close"}
+                "Referer": "r", "Content-Type": "t", "Content-Length": "0", "Connection": "close",
+                "X-Client-Certificate": "s"}
         raw_exchange(self.server, b"POST / HTTP/1.1\r\n" +
                      b"".join(f"{name}: {value}\r\n".encode() for name, value in sent.items()) + b"\r\n")
         self.assertEqual((self.last()["method"], self.last()["headers"]), ("POST", sent))

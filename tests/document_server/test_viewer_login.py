@@ -1,58 +1,13 @@
 """The login page that a viewer opens in its browser, in all its kinds."""
 
 import http.client
-from html.parser import HTMLParser
+import time
 
-from document_server.login import DONE_PAGE_COLOUR, PAGE_COLOUR, WRONG_PAGE_COLOUR
+from document_server.login import WRONG_PAGE_COLOUR
 
-from tests.document_server.case import ServerTest
-from tests.document_server.client import (ACCESS_CHECK, LOGIN_PAGE, Answer, cookie_header, cookies_set,
-                                          fetch, log_in, raw_answer, session_cookie)
-
-REPORT_CALL = b"window.external.norv();"
-ONLY_SESSION_COOKIE = r"\AJSESSIONID=[\w-]{32}; Path=/; HttpOnly\Z"
-WRONG = b'<p class="error">Wrong user name or password.</p>'
-
-
-class Controls(HTMLParser):
-    """The controls of a page in their order, which is that of the Tab key, with their attributes."""
-
-    def __init__(self, page: bytes) -> None:
-        super().__init__()
-        self.found: list[tuple[str, dict[str, str | None]]] = []
-        self.feed(page.decode())
-
-    def handle_starttag(self, tag: str, attrs: list[tuple[str, str | None]]) -> None:
-        if tag in ("a", "button", "input", "select", "textarea"):
-            self.found.append((tag, dict(attrs)))
-
-
-class LoginPageTest(ServerTest):
-    """Has what the tests of the kinds ask about an answer."""
-
-    def assert_shows(self, answer: Answer, colour: str) -> None:
-        """The answer is a page of that colour and of no other one that tests look for."""
-        self.assertEqual((answer.status, answer.headers["Content-Type"]), (200, "text/html; charset=utf-8"))
-        shown = [known for known in (PAGE_COLOUR, WRONG_PAGE_COLOUR, DONE_PAGE_COLOUR)
-                 if f"background: {known};".encode() in answer.body]
-        self.assertEqual(shown, [colour])
-
-    def assert_logs_in(self, answer: Answer, reports: int) -> None:
-        """The answer opens a session and its page reports that so many times."""
-        self.assert_shows(answer, DONE_PAGE_COLOUR)
-        self.assertEqual(answer.body.count(REPORT_CALL), reports)
-        cookie, = answer.headers.get_all("Set-Cookie")
-        self.assertRegex(cookie, ONLY_SESSION_COOKIE)
-        session = cookie_header(cookies_set(answer))
-        self.assertEqual(fetch(self.server, ACCESS_CHECK, headers=session).status, 200)
-
-    def assert_asks(self, answer: Answer) -> None:
-        """The answer is the form as it is at first."""
-        self.assert_shows(answer, PAGE_COLOUR)
-        self.assertIn(b'<form method="post">', answer.body)
-        self.assertNotIn(b'class="error"', answer.body)
-        self.assertNotIn(REPORT_CALL, answer.body)
-        self.assertIsNone(answer.headers["Set-Cookie"])
+from tests.document_server.client import (ACCESS_CHECK, LOGIN_PAGE, TIMEOUT_SECONDS, cookie_header, cookies_set,
+                                          fetch, log_in, raw_answer, raw_connection, session_cookie)
+from tests.document_server.login_page_case import COLOURS, REPORT_CALL, WRONG, Controls, LoginPageTest
 
 
 class Form(LoginPageTest):
@@ -115,7 +70,7 @@ class Form(LoginPageTest):
         self.assert_logs_in(log_in(self.server, path), reports=1)
 
     def test_the_pages_have_different_colours(self) -> None:
-        self.assertEqual(len({PAGE_COLOUR, WRONG_PAGE_COLOUR, DONE_PAGE_COLOUR}), 3)
+        self.assertEqual(len(set(COLOURS)), 6)
 
     def test_there_are_no_cookies_of_a_load_balancer(self) -> None:
         self.assertEqual(list(cookies_set(log_in(self.server, LOGIN_PAGE))), ["JSESSIONID"])
@@ -160,6 +115,22 @@ class Report(LoginPageTest):
 
     def test_the_other_form_still_asks(self) -> None:
         self.assert_asks(fetch(self.server, "/login/form"))
+
+
+class Unanswered(LoginPageTest):
+
+    options = ("--login-page", "unanswered")
+
+    def test_the_page_is_the_form(self) -> None:
+        self.assert_asks(fetch(self.server, LOGIN_PAGE))
+
+    def test_a_post_is_logged_while_it_waits(self) -> None:
+        deadline = time.monotonic() + TIMEOUT_SECONDS
+        with raw_connection(self.server, LOGIN_PAGE, "POST"):
+            while not self.server.requests():
+                self.assertLess(time.monotonic(), deadline)
+        entry, = self.server.requests()
+        self.assertEqual((entry["method"], entry["path"], entry["status"]), ("POST", LOGIN_PAGE, None))
 
 
 class Broken(LoginPageTest):

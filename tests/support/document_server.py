@@ -1,5 +1,6 @@
 """Runs the testbed's document server as a process of its own for the length of a test."""
 
+import http.client
 import json
 import os
 import select
@@ -14,6 +15,7 @@ from typing import Any
 from . import TESTBED
 
 PROGRAM = TESTBED / "document_server"
+LOGIN_PAGE = "/qxcore/jsp/qvs/vislogon.jsp"
 START_DEADLINE_SECONDS = 30
 STOP_DEADLINE_SECONDS = 10
 
@@ -60,6 +62,16 @@ class DocumentServer:
     def port(self) -> int:
         """The port that the server listens on."""
         return int(self.url.rpartition(":")[2])
+
+    def login_url(self) -> str:
+        """Where a server with --secure-login sends those who ask for the login page. It is asked for it, which is a
+        request in its log."""
+        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=START_DEADLINE_SECONDS)
+        try:
+            connection.request("HEAD", LOGIN_PAGE)
+            return connection.getresponse().headers["Location"]
+        finally:
+            connection.close()
 
     def requests(self) -> list[dict[str, Any]]:
         """The entries of the request log so far."""
