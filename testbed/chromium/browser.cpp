@@ -9,6 +9,7 @@
 #include "testbed/chromium/exclusive_lock.h"
 #include "testbed/chromium/launch.h"
 #include "testbed/chromium/page_creation.h"
+#include "testbed/chromium/trust.h"
 
 namespace testbed::chromium {
 namespace {
@@ -80,6 +81,7 @@ Browser::Browser(std::shared_ptr<Connection> connection, std::shared_ptr<Browser
                  std::string version, std::string userAgent)
     : connection_(std::move(connection)),
       newWindows_(std::make_shared<NewWindows>(connection_)),
+      certificates_(std::make_shared<AllowedCertificates>()),
       opening_(std::move(opening)),
       version_(std::move(version)),
       userAgent_(std::move(userAgent)) {

@@ -13,6 +13,7 @@
 
 namespace testbed::chromium {
 
+class AllowedCertificates;
 class BrowserOpening;
 class Connection;
 class EventSink;
@@ -72,6 +73,7 @@ class Browser : public std::enable_shared_from_this<Browser> {
 
     std::shared_ptr<Connection> connection_;
     std::shared_ptr<EventSink> newWindows_;
+    std::shared_ptr<AllowedCertificates> certificates_;
     std::shared_ptr<BrowserOpening> opening_; // by which others find this browser
     std::string version_;
     std::string userAgent_;

@@ -162,6 +162,9 @@ void Connection::Receive(const std::string& text) try {
     } else if (event.method == kPictureEvent) {
         Dispatch(event);
     } else {
+        if (event.method == kCrashedEvent) {
+            FailReplies(event.session);
+        }
         events_.push_back(std::move(event));
         DispatchEvents();
     }

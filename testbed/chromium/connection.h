@@ -1,7 +1,7 @@
 // One Chromium in the terms of its protocol: commands with their replies, and events. Knows nothing of what they mean.
 //
-// Replies and pictures are handed on as they arrive. Other events wait while one of them is being handled, even if its
-// handler runs a message loop.
+// Replies and pictures are handed on as they arrive, and what a crashed page still owes fails at once. Other events wait while
+// one of them is being handled, even if its handler runs a message loop.
 #pragma once
 
 #include <cstdint>
@@ -24,6 +24,7 @@ namespace testbed::chromium {
 using Json = nlohmann::json;
 
 constexpr const char* kPictureEvent = "Page.screencastFrame";
+constexpr const char* kCrashedEvent = "Inspector.targetCrashed";
 
 /// Whoever listens to a session. Kept alive while it is called.
 class EventSink {

@@ -25,6 +25,7 @@ constexpr std::wstring_view kLauncher =
     L"open(STDERR, '>', '/dev/null');"
     L"my $pid = fork;"
     L"if (defined $pid && $pid == 0) {"
+    L" $ENV{HOME} = $ENV{KELDA_TEST_BROWSER_HOME} if length($ENV{KELDA_TEST_BROWSER_HOME} // '');"
     L" POSIX::dup2(0, 3); POSIX::dup2(0, 4); open(STDIN, '<', '/dev/null'); open(STDOUT, '>', '/dev/null');"
     L" exec('/usr/bin/chromium', @ARGV, $> == 0 ? '--no-sandbox' : ()); POSIX::_exit(127);"
     L"}"

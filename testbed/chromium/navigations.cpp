@@ -10,6 +10,7 @@ namespace testbed::chromium {
 namespace {
 
 constexpr int kFirstFailedStatus = 400;
+constexpr int kUnauthorized = 401;
 
 struct ErrorName {
     std::string_view text; // after "net::ERR_"
@@ -39,8 +40,9 @@ constexpr std::array kErrorNames = {
 } // namespace
 
 NavigationError ErrorFromText(std::string_view text) {
-    constexpr std::string_view kPrefix = "net::ERR_";
-    text.remove_prefix(text.starts_with(kPrefix) ? kPrefix.size() : 0);
+    for (const std::string_view prefix : {"net::", "ERR_"}) {
+        text.remove_prefix(text.starts_with(prefix) ? prefix.size() : 0);
+    }
     const auto* const found = std::find_if(kErrorNames.begin(), kErrorNames.end(),
                                            [&](const ErrorName& name) { return name.text == text; });
     if (found != kErrorNames.end()) {
@@ -66,6 +68,14 @@ bool Navigations::Underway() const {
 void Navigations::HasStatus(const std::string& loader, int status) {
     if (const auto found = std::ranges::find(open_, loader, &Open::loader); found != open_.end()) {
         found->outcome.httpStatus = status;
+    }
+}
+
+void Navigations::Refuse(const std::string& url, NavigationError error) {
+    for (Open& open : open_) {
+        if (!open.committed && open.outcome.url == url) {
+            open.refusal = error;
+        }
     }
 }
 
@@ -104,18 +114,26 @@ template <typename Chosen>
 std::vector<NavigationOutcome> Navigations::End(NavigationError error, Chosen chosen) {
     std::vector<NavigationOutcome> ended;
     for (Open& open : open_) {
-        if (!chosen(open)) {
-            continue;
+        if (chosen(open)) {
+            open.outcome.error = ErrorOf(open, error);
+            open.outcome.success = open.outcome.error == NavigationError::None;
+            ended.push_back(open.outcome);
         }
-        NavigationOutcome& outcome = open.outcome;
-        outcome.error = error == NavigationError::None && outcome.httpStatus >= kFirstFailedStatus
-                            ? NavigationError::HttpStatus
-                            : error;
-        outcome.success = outcome.error == NavigationError::None;
-        ended.push_back(outcome);
     }
     std::erase_if(open_, chosen);
     return ended;
+}
+
+/// @param error how it ends.
+NavigationError Navigations::ErrorOf(const Open& open, NavigationError error) {
+    if (error == NavigationError::Aborted && open.refusal != NavigationError::None) {
+        return open.refusal;
+    }
+    if (error != NavigationError::None || open.outcome.httpStatus < kFirstFailedStatus) {
+        return error;
+    }
+    return open.outcome.httpStatus == kUnauthorized ? NavigationError::ValidAuthenticationRequired
+                                                    : NavigationError::HttpStatus;
 }
 
 } // namespace testbed::chromium

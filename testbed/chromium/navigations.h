@@ -11,7 +11,7 @@
 
 namespace testbed::chromium {
 
-/// @param text as Chromium gives it, "net::ERR_..."
+/// @param text as Chromium gives it, "net::ERR_..." or "ERR_..."
 NavigationError ErrorFromText(std::string_view text);
 
 /// Pure bookkeeping: each function that ends navigations returns what is to be reported, in order.
@@ -26,6 +26,9 @@ class Navigations {
 
     void HasStatus(const std::string& loader, int status);
 
+    /// The navigation that is under way to this URL has been refused for a reason that its end will not tell.
+    void Refuse(const std::string& url, NavigationError error);
+
     /// The navigation's document has replaced the old one, and with it whatever was still loading there.
     std::vector<NavigationOutcome> Commit(const std::string& loader);
     std::vector<NavigationOutcome> Load(const std::string& loader);
@@ -39,8 +42,10 @@ class Navigations {
         std::string loader;
         NavigationOutcome outcome;
         bool committed = false;
+        NavigationError refusal = NavigationError::None;
     };
 
+    static NavigationError ErrorOf(const Open& open, NavigationError error);
     template <typename Chosen>
     std::vector<NavigationOutcome> End(NavigationError error, Chosen chosen);
 

@@ -137,6 +137,10 @@ void Page::SetRequestInterception(bool enabled) {
     session_->SetRequestInterception(enabled);
 }
 
+void Page::SetCertificateReports(bool enabled) {
+    session_->SetCertificateReports(enabled);
+}
+
 void Page::GetCookies(const std::vector<std::string>& urls, CookiesRead read) {
     session_->ReadCookies("Network.getCookies", {{"urls", urls}}, CookieReply(std::move(read)));
 }

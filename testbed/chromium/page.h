@@ -100,6 +100,9 @@ class Page {
     /// Whether `OnRequest` is called. Off at first.
     void SetRequestInterception(bool enabled);
 
+    /// Whether `OnCertificateError` is called. Off at first: then Chromium shows its error page.
+    void SetCertificateReports(bool enabled);
+
     /// Gets the cookies that would be sent to any of these URLs, in no particular order; or a failure.
     void GetCookies(const std::vector<std::string>& urls, CookiesRead read);
     /// Those of the whole profile.

@@ -39,9 +39,9 @@ enum class NavigationError {
     CertificateExpired,
     CertificateInvalid,
     CertificateRevoked,
-    ValidAuthenticationRequired,
-    HttpStatus,     ///< the server answered with 400 or above, and its body is shown
-    RendererCrashed ///< also when all of Chromium has gone
+    ValidAuthenticationRequired, ///< the server answered with 401, and its body is shown
+    HttpStatus,                  ///< likewise, with 400 or above
+    RendererCrashed              ///< also when all of Chromium has gone
 };
 
 struct NavigationOutcome {
@@ -75,6 +75,43 @@ struct Request {
     Headers headers;
 };
 
+/// An answer to a request.
+struct Response {
+    std::string url; ///< of the request
+    std::string method;
+    /// As they went out, cookies included; their order is Chromium's. Where a challenge was answered meanwhile, they are those
+    /// of the first attempt.
+    Headers requestHeaders;
+    int status = 0;
+    std::string reason; ///< empty where the protocol has none
+    /// In the order, and as often, as the server sent them; the value of each is as it was on the wire.
+    Headers headers;
+};
+
+/// A certificate that Chromium does not trust.
+struct CertificateProblem {
+    std::string url; ///< of the request that met it
+    NavigationError error = NavigationError::CertificateInvalid;
+};
+
+enum class CertificateDecision {
+    Cancel,     ///< the request is aborted
+    AlwaysAllow ///< remembered for that profile, host, port and fault as long as Chromium runs
+};
+
+/// A server, or a proxy, asks for a user name and a password.
+struct AuthenticationChallenge {
+    std::string url;       ///< of the request
+    std::string challenge; ///< as in a WWW-Authenticate header: `Basic realm="documents"`
+};
+
+/// What to answer a challenge with.
+struct AuthenticationAnswer {
+    bool cancelled = true; ///< what came with the challenge is shown
+    std::string user;
+    std::string password;
+};
+
 /// What has gone.
 enum class Crash {
     Renderer, ///< the page shows nothing until it is navigated again
@@ -94,6 +131,18 @@ class PageClient {
     /// Called for each request of http and https while interception is on, once for each redirect; for that of a navigation
     /// after `OnNavigationStarting`.
     virtual void OnRequest(Request& request) = 0;
+
+    /// Called for each answer to a request of http and https, that of a redirect and one from the cache included; but not for
+    /// one that Chromium keeps from the page, nor for a challenge whose answer led to another one. The answer to a
+    /// navigation's request comes before the redirect that follows it, and before the navigation is completed.
+    virtual void OnResponse(const Response& response) = 0;
+
+    /// Called while `Page::SetCertificateReports` is on; the request waits. A navigation that is cancelled so fails with the
+    /// certificate's error, and the old page stays.
+    virtual CertificateDecision OnCertificateError(const CertificateProblem& problem) = 0;
+
+    /// Called for each challenge that a page meets; the request waits. Wrong credentials bring another one.
+    virtual AuthenticationAnswer OnAuthenticationRequested(const AuthenticationChallenge& challenge) = 0;
 
     /// Called once for each navigation that `OnNavigationStarting` was called for: a success when the load event of the
     /// page has run.

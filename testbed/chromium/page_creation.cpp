@@ -68,7 +68,8 @@ void PageCreation::OnAttached(const Json& result) {
     }
     session_ = std::make_shared<PageSession>(
         browser->connection_,
-        PageSession::Address{result.at("sessionId").get<std::string>(), targetId_, contextId_});
+        PageSession::Address{result.at("sessionId").get<std::string>(), targetId_, contextId_},
+        browser->certificates_);
     session_->Prepare(browser->userAgent_, [self = shared_from_this()](const Json* prepared) {
         self->GoOn(prepared, &PageCreation::OnPrepared);
     });

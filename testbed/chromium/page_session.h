@@ -2,6 +2,8 @@
 // remembered between them.
 #pragma once
 
+#include <cstdint>
+#include <deque>
 #include <list>
 #include <map>
 #include <memory>
@@ -14,7 +16,11 @@
 #include "testbed/chromium/cookie_order.h"
 #include "testbed/chromium/navigations.h"
 #include "testbed/chromium/page_client.h"
+#include "testbed/chromium/responses.h"
 #include "testbed/chromium/script_bridge.h"
+#include "testbed/chromium/script_dialog.h"
+#include "testbed/chromium/trust.h"
+#include "testbed/chromium/workers.h"
 
 namespace testbed::chromium {
 
@@ -41,8 +47,14 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
         std::string context;
     };
 
-    PageSession(std::shared_ptr<Connection> connection, Address address)
-        : connection_(std::move(connection)), address_(std::move(address)) {}
+    // Events of our own, which come back by way of the queue.
+    static constexpr const char* kNavigateFailedEvent = "Page.navigateFailed";
+    /// With the `number` of an answer.
+    static constexpr const char* kAnswerMissingEvent = "Page.answerMissing";
+
+    /// @param certificates those that have been allowed so far, on any page of the browser.
+    PageSession(std::shared_ptr<Connection> connection, Address address,
+                std::shared_ptr<AllowedCertificates> certificates);
 
     /// Has everything reported from now on. `reply` gets the last answer.
     void Prepare(const std::string& userAgent, const Connection::Reply& reply);
@@ -67,6 +79,7 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     const std::string& Url() const { return url_; }
 
     void SetRequestInterception(bool enabled) { interception_ = enabled; }
+    void SetCertificateReports(bool enabled);
     void SetScriptDialogsEnabled(bool enabled) { dialogs_ = enabled; }
     void SetDialogOwner(HWND owner) { dialogOwner_ = owner; }
     /// Null for none.
@@ -84,6 +97,11 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     using Handler = void (PageSession::*)(const Json& params);
     static const std::map<std::string, Handler, std::less<>> kHandlers;
 
+    struct Event {
+        std::string method;
+        Json params;
+    };
+
     /// A call of `Navigate` that is not answered yet.
     struct Wanted {
         std::string url;
@@ -92,6 +110,9 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
         bool started = false; // its navigation has shown up
     };
 
+    void Handle(const std::string& method, const Json& params);
+    void ReportResponses(const std::vector<Response>& responses);
+    void AskForLateAnswer();
     bool IsMainFrame(const Json& params) const;
     bool Ask(const std::string& loader, const std::string& url, bool redirected);
     void Report(const std::vector<NavigationOutcome>& outcomes);
@@ -105,7 +126,12 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     void OnRequestPaused(const Json& params);
     void AnswerPaused(const Json& params);
     void OnStartedNavigating(const Json& params);
-    void OnResponse(const Json& params);
+    void OnAnswerMissing(const Json& params);
+    void OnCertificateError(const Json& params);
+    void OnAuthenticationRequired(const Json& params);
+    void OnWorkerAttached(const Json& params);
+    void OnWorkerDetached(const Json& params);
+    void OnResponseReceived(const Json& params);
     void OnLoadingFailed(const Json& params);
     void OnFrameNavigated(const Json& params);
     void OnNavigatedWithinDocument(const Json& params);
@@ -125,8 +151,10 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     bool sendsPictures_ = false;
     int pictureOrders_ = 0; // only the last one is repeated
     bool interception_ = false;
+    bool certificateReports_ = false;
     bool dialogs_ = true;
     HWND dialogOwner_ = nullptr;
+    ScriptDialog dialog_;
     std::string url_ = "about:blank";
     Navigations navigations_;
     std::list<Wanted> wanted_;
@@ -134,6 +162,11 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     bool withoutRenderer_ = false; // since a crash; settings wait for the next one
     CookieOrder cookies_;
     ScriptBridge bridge_;
+    Responses responses_;
+    std::deque<Event> waiting_; // for a navigation's answer to be complete
+    std::uint64_t lastLateAnswer_ = 0;
+    std::shared_ptr<AllowedCertificates> certificates_;
+    Workers workers_;
 };
 
 } // namespace testbed::chromium

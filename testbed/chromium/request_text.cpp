@@ -1,11 +1,10 @@
-// Headers and kinds of resources, in both directions.
+// Kinds of resources, and what a client has changed.
 #include "testbed/chromium/request_text.h"
 
 #include <algorithm>
 #include <array>
-#include <string_view>
 
-#include "testbed/chromium/text.h"
+#include "testbed/chromium/header_text.h"
 
 namespace testbed::chromium {
 namespace {
@@ -29,15 +28,11 @@ ResourceKind KindFrom(std::string_view name) {
     return found == kKindNames.end() ? ResourceKind::Other : found->kind;
 }
 
-Headers HeadersFrom(const Json& object) {
-    Headers headers;
-    for (const auto& [name, value] : object.items()) {
-        headers.push_back({name, value.get<std::string>()});
-    }
-    return headers;
-}
-
 } // namespace
+
+bool IsWeb(std::string_view url) {
+    return url.starts_with("http:") || url.starts_with("https:");
+}
 
 Request RequestFrom(const Json& paused) {
     const Json& request = paused.at("request");
@@ -48,13 +43,6 @@ Request RequestFrom(const Json& paused) {
     result.redirected = paused.contains("redirectedRequestId");
     result.headers = HeadersFrom(request.at("headers"));
     return result;
-}
-
-void Replace(Headers& headers, const Headers& others) {
-    for (const Header& other : others) {
-        std::erase_if(headers, [&](const Header& header) { return SameName(header.name, other.name); });
-    }
-    headers.insert(headers.end(), others.begin(), others.end());
 }
 
 Json ContinueParameters(const Json& paused, const Headers& headers) {

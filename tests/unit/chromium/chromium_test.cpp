@@ -2,11 +2,24 @@
 #include "tests/unit/chromium/chromium_test.h"
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 
 #include "testbed/chromium/text.h"
 #include "tests/support/native_process.h"
 
 namespace chromium_test {
+namespace {
+
+/// A text about a process: its parts end with a zero byte each.
+std::string TextOf(int process, const char* name) {
+    std::ifstream file(std::filesystem::path(L"\\\\?\\unix\\proc") / std::to_string(process) / name,
+                       std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+} // namespace
 
 ProfileFolder::ProfileFolder(const std::wstring& extra) {
     static int count = 0;
@@ -29,10 +42,29 @@ int ProfileFolder::Chromium() const {
     return test_support::NativeChromium(mark_);
 }
 
+std::string ProfileFolder::ChromiumVariable(const std::string& name) const {
+    std::istringstream variables(TextOf(Chromium(), "environ"));
+    std::string variable;
+    while (std::getline(variables, variable, '\0')) {
+        if (variable.starts_with(name + "=")) {
+            return variable.substr(name.size() + 1);
+        }
+    }
+    return {};
+}
+
 void ProfileFolder::KillChromium() const {
     const int process = Chromium();
     ASSERT_NE(process, 0);
     test_support::KillNative(process);
+}
+
+void ProfileFolder::KillRenderers() const {
+    for (const int process : Processes()) {
+        if (TextOf(process, "cmdline").find("--type=renderer") != std::string::npos) {
+            test_support::KillNative(process);
+        }
+    }
 }
 
 void ProfileFolder::HoldChromium(int seconds) const {
@@ -76,6 +108,10 @@ std::vector<std::string> Site::Requests(const std::string& path) const {
         }
     }
     return found;
+}
+
+HWND FindBox(const std::string& title) {
+    return FindWindowW(MAKEINTRESOURCEW(32770), ToUtf16(title).c_str());
 }
 
 Opening OpenBrowser(const std::wstring& folder) {

@@ -36,8 +36,12 @@ class ProfileFolder {
     std::vector<int> Processes() const;
     /// Of those, the browser's own; 0 if there is none.
     int Chromium() const;
+    /// What a variable of its environment was when it started; empty if it had none.
+    std::string ChromiumVariable(const std::string& name) const;
     /// Kills the browser's own process as a crash would.
     void KillChromium() const;
+    /// Kills the processes that run its pages.
+    void KillRenderers() const;
     /// Stops that process; it goes on after so many seconds.
     void HoldChromium(int seconds) const;
 
@@ -60,6 +64,20 @@ class RecordingClient final : public PageClient {
             onRequest(request);
         }
     }
+    void OnResponse(const Response& response) override {
+        responses.push_back(response);
+        if (onResponse) {
+            onResponse(response);
+        }
+    }
+    CertificateDecision OnCertificateError(const CertificateProblem& problem) override {
+        problems.push_back(problem);
+        return onCertificate ? onCertificate(problem) : CertificateDecision::Cancel;
+    }
+    AuthenticationAnswer OnAuthenticationRequested(const AuthenticationChallenge& challenge) override {
+        challenges.push_back(challenge);
+        return onChallenge ? onChallenge(challenge) : AuthenticationAnswer{};
+    }
     void OnNavigationCompleted(const NavigationOutcome& outcome) override {
         outcomes.push_back(outcome);
         if (onCompleted) {
@@ -76,11 +94,17 @@ class RecordingClient final : public PageClient {
 
     std::vector<NavigationStart> starts;
     std::vector<Request> requests;
+    std::vector<Response> responses;
+    std::vector<CertificateProblem> problems;
+    std::vector<AuthenticationChallenge> challenges;
     std::vector<NavigationOutcome> outcomes;
     std::vector<std::string> messages;
     std::vector<Crash> crashes;
     std::function<bool(const NavigationStart&)> onStarting;
     std::function<void(Request&)> onRequest;
+    std::function<void(const Response&)> onResponse;
+    std::function<CertificateDecision(const CertificateProblem&)> onCertificate;
+    std::function<AuthenticationAnswer(const AuthenticationChallenge&)> onChallenge;
     std::function<void(const NavigationOutcome&)> onCompleted;
     std::function<void(const std::string&, std::function<void(const std::string&)>)> onMessage;
 };
@@ -103,6 +127,28 @@ class Site {
     std::map<std::string, test_support::CannedAnswer> answers_; // complete before the first request
     test_support::CannedServer server_;
 };
+
+/// Calls a function again and again from the message loop, be it that of a message box, as long as it lives. There is one at
+/// a time.
+class Ticks {
+  public:
+    explicit Ticks(std::function<void()> tick) : tick_(std::move(tick)) {
+        current = this;
+        timer_ =
+            SetTimer(nullptr, 0, USER_TIMER_MINIMUM, [](HWND, UINT, UINT_PTR, DWORD) { current->tick_(); });
+    }
+    ~Ticks() { KillTimer(nullptr, timer_); }
+    Ticks(const Ticks&) = delete;
+    Ticks& operator=(const Ticks&) = delete;
+
+  private:
+    static inline Ticks* current = nullptr;
+    std::function<void()> tick_;
+    UINT_PTR timer_ = 0;
+};
+
+/// The message box with that title, or null.
+HWND FindBox(const std::string& title);
 
 struct Opening {
     bool answered = false;

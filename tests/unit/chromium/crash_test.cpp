@@ -1,5 +1,5 @@
 // What comes of it when a renderer or all of Chromium goes.
-#include "tests/unit/chromium/chromium_test.h"
+#include "tests/unit/chromium/secure_server.h"
 
 namespace chromium_test {
 namespace {
@@ -8,7 +8,28 @@ class Crashes : public ChromiumTest {
   protected:
     Crashes() {
         site_.Add("/page", "here");
+        site_.Add("/secret",
+                  test_support::Answer(401, "WWW-Authenticate: Basic realm=\"documents\"\r\n", ""));
+        site_.Add("/alerts", "<script>alert('hear')</script>");
+        site_.Add("/waiting", "<img src='/stalled'>");
         site_.AddStalled("/stalled");
+    }
+
+    /// Kills Chromium while a client's function runs, and lets that go on when it is known.
+    void KillMeanwhile() {
+        folder_.KillChromium();
+        EXPECT_TRUE(PumpUntil([&] { return !browser_->Alive(); }));
+        EXPECT_TRUE(client_.outcomes.empty()) << "while the client is busy";
+    }
+    void ExpectFailedNavigation() {
+        ASSERT_TRUE(PumpUntil([&] { return !client_.crashes.empty(); }));
+        EXPECT_EQ(client_.crashes, std::vector{Crash::Browser});
+        ASSERT_EQ(client_.outcomes.size(), 1U);
+        EXPECT_EQ(client_.outcomes[0].id, client_.starts[0].id);
+        EXPECT_EQ(client_.outcomes[0].error, NavigationError::RendererCrashed);
+        page_.reset();
+        browser_.reset();
+        EXPECT_TRUE(PumpUntil([&] { return folder_.Processes().empty(); }));
     }
 
     void WaitForStalled() {
@@ -63,6 +84,75 @@ TEST_F(Crashes, OfChromiumLeaveTheFolderToTheNextOne) {
     const auto page = CreatePage(*next.browser, client);
     ASSERT_NE(page, nullptr);
     EXPECT_TRUE(Visit(*page, client, site_.Url("/page")).success);
+}
+
+TEST_F(Crashes, OfChromiumWhileANavigationWaitsForTheClientFailIt) {
+    client_.onStarting = [this](const NavigationStart&) {
+        KillMeanwhile();
+        return true;
+    };
+    page_->Navigate(site_.Url("/page"));
+    ExpectFailedNavigation();
+}
+
+TEST_F(Crashes, OfChromiumWhileARequestWaitsForTheClientFailItsNavigation) {
+    page_->SetRequestInterception(true);
+    client_.onRequest = [this](const Request&) { KillMeanwhile(); };
+    page_->Navigate(site_.Url("/page"));
+    ExpectFailedNavigation();
+}
+
+TEST_F(Crashes, OfChromiumWhileAnAnswerIsLookedAtFailItsNavigation) {
+    client_.onResponse = [this](const Response&) { KillMeanwhile(); };
+    page_->Navigate(site_.Url("/waiting"));
+    ExpectFailedNavigation();
+}
+
+TEST_F(Crashes, OfChromiumWhileACertificateWaitsFailItsNavigation) {
+    const SecureServer server;
+    page_->SetCertificateReports(true);
+    client_.onCertificate = [this](const CertificateProblem&) {
+        KillMeanwhile();
+        return CertificateDecision::AlwaysAllow;
+    };
+    page_->Navigate(server.Url());
+    ExpectFailedNavigation();
+}
+
+TEST_F(Crashes, OfChromiumWhileAChallengeWaitsFailItsNavigation) {
+    client_.onChallenge = [this](const AuthenticationChallenge&) {
+        KillMeanwhile();
+        return AuthenticationAnswer{false, "me", "secret"};
+    };
+    page_->Navigate(site_.Url("/secret"));
+    ExpectFailedNavigation();
+}
+
+TEST_F(Crashes, OfChromiumTakeTheMessageBoxOfAScriptAway) {
+    bool killed = false;
+    const Ticks ticks([&] {
+        if (FindBox(site_.Url("/alerts")) != nullptr && !std::exchange(killed, true)) {
+            folder_.KillChromium();
+        }
+    });
+    page_->Navigate(site_.Url("/alerts"));
+    ExpectFailedNavigation();
+    EXPECT_TRUE(killed);
+    EXPECT_EQ(FindBox(site_.Url("/alerts")), nullptr);
+}
+
+TEST_F(Crashes, OfThePageTakeTheMessageBoxOfItsScriptAway) {
+    bool killed = false;
+    const Ticks ticks([&] {
+        if (FindBox(site_.Url("/alerts")) != nullptr && !std::exchange(killed, true)) {
+            folder_.KillRenderers();
+        }
+    });
+    page_->Navigate(site_.Url("/alerts"));
+    ASSERT_TRUE(PumpUntil([&] { return !client_.crashes.empty(); }));
+    EXPECT_EQ(client_.crashes, std::vector{Crash::Renderer});
+    EXPECT_EQ(FindBox(site_.Url("/alerts")), nullptr);
+    EXPECT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
 }
 
 TEST_F(Crashes, OfThePageAreReportedAndAreOverWithTheNextNavigation) {

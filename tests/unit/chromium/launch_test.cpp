@@ -3,6 +3,8 @@
 #include <string>
 
 #include "testbed/chromium/launch.h"
+#include "testbed/chromium/text.h"
+#include "tests/support/scoped_variable.h"
 #include "tests/unit/chromium/chromium_test.h"
 
 namespace chromium_test {
@@ -39,6 +41,30 @@ TEST(Launcher, EndsTheStatusAlsoWhereAnotherProcessHasInheritedIt) {
     std::string said;
     EXPECT_TRUE(ReadToEnd(status.ours, said));
     EXPECT_NE(said.find(kExitedEvent), std::string::npos) << said;
+}
+
+TEST(Launcher, GivesChromiumTheHomeThatAVariableNames) {
+    constexpr const char* kHome = "/a home of its own";
+    const ProfileFolder folder;
+    Opening opening;
+    {
+        const test_support::ScopedVariable home(L"KELDA_TEST_BROWSER_HOME", ToUtf16(kHome).c_str());
+        opening = OpenBrowser(folder.Path());
+    }
+    ASSERT_NE(opening.browser, nullptr) << opening.error;
+    EXPECT_EQ(folder.ChromiumVariable("HOME"), kHome);
+    opening = {};
+    opening = OpenBrowser(folder.Path());
+    ASSERT_NE(opening.browser, nullptr) << opening.error;
+    EXPECT_NE(folder.ChromiumVariable("HOME"), kHome);
+}
+
+TEST(Launcher, LeavesTheHomeAloneIfTheVariableIsEmpty) {
+    const test_support::ScopedVariable home(L"KELDA_TEST_BROWSER_HOME", L"");
+    const ProfileFolder folder;
+    const Opening opening = OpenBrowser(folder.Path());
+    ASSERT_NE(opening.browser, nullptr) << opening.error;
+    EXPECT_NE(folder.ChromiumVariable("HOME"), "");
 }
 
 } // namespace

@@ -126,15 +126,6 @@ TEST_F(Navigation, IsEndedByTheNextOne) {
     EXPECT_EQ(Errors(), (std::vector{NavigationError::Aborted, NavigationError::None}));
 }
 
-TEST_F(Navigation, OfALinkToANewWindowOpensNone) {
-    site_.Add("/links", "<a id=a href='/page' target=_blank>x</a>");
-    Visit(*page_, client_, site_.Url("/links"));
-    Evaluate(*page_, "document.getElementById('a').click()");
-    // The closed window says nothing; that the page goes on as if nothing had been is all there is to see.
-    EXPECT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
-    EXPECT_EQ(client_.starts.size(), 2U);
-}
-
 TEST_F(Navigation, IsNotCompletedWhileItsHandlerRunsAMessageLoop) {
     // Events wait until the handler is through; callbacks do not.
     bool nested = false;

@@ -46,6 +46,23 @@ TEST_F(Requests, AreShownWithTheirKinds) {
     }
 }
 
+TEST_F(Requests, OfFramesOfOtherSitesAreShownAndMayBeEdited) {
+    std::string frame = site_.Url("/page");
+    frame.replace(frame.find("127.0.0.1"), 9, "localhost");
+    site_.Add("/outer", "<iframe src='" + frame + "'></iframe>");
+    page_->SetRequestInterception(true);
+    client_.onRequest = [](Request& request) { request.headers.push_back({"X-Added", "1"}); };
+    Visit(*page_, client_, site_.Url("/outer"));
+    for (const char* path : {"/page", "/image", "/fetched"}) {
+        ASSERT_TRUE(PumpUntil([&] { return !site_.Requests(path).empty(); })) << path;
+        EXPECT_EQ(HeaderOf(site_.Requests(path)[0], "X-Added"), "1");
+    }
+    const auto found = std::ranges::find(client_.requests, frame, &Request::url);
+    ASSERT_NE(found, client_.requests.end());
+    EXPECT_EQ(found->kind, ResourceKind::Document);
+    EXPECT_FALSE(found->mainDocument);
+}
+
 TEST_F(Requests, AreSentWithTheHeadersThatTheClientLeavesInThem) {
     page_->SetRequestInterception(true);
     client_.onRequest = [](Request& request) {

@@ -28,27 +28,16 @@ class Scripts : public ChromiumTest {
 
     /// Answers the message boxes of a title with a button, and counts them.
     void AnswerBoxes(const std::string& title, WPARAM button) {
-        boxTitle_ = std::wstring(title.begin(), title.end());
-        button_ = button;
-        current = this;
-        timer_ =
-            SetTimer(nullptr, 0, USER_TIMER_MINIMUM, [](HWND, UINT, UINT_PTR, DWORD) { current->OnTimer(); });
+        ticks_ = std::make_unique<Ticks>([this, title, button] {
+            if (const HWND box = FindBox(title); box != nullptr) {
+                boxes_ += box == std::exchange(answered_, box) ? 0 : 1;
+                // Again, if it has not gone since: a box may come up with its loop not yet running.
+                PostMessageW(box, WM_COMMAND, button, 0);
+            }
+        });
     }
-    void OnTimer() {
-        const HWND box = FindWindowW(MAKEINTRESOURCEW(32770), boxTitle_.c_str());
-        if (box == nullptr) {
-            return;
-        }
-        boxes_ += box == std::exchange(answered_, box) ? 0 : 1;
-        // Again, if it has not gone since: a box may come up with its loop not yet running.
-        PostMessageW(box, WM_COMMAND, button_, 0);
-    }
-    ~Scripts() override { KillTimer(nullptr, timer_); }
 
-    static inline Scripts* current = nullptr;
-    std::wstring boxTitle_;
-    WPARAM button_ = 0;
-    UINT_PTR timer_ = 0;
+    std::unique_ptr<Ticks> ticks_;
     HWND answered_ = nullptr; // the last one
     int boxes_ = 0;
 };
@@ -125,6 +114,34 @@ TEST_F(Scripts, OpenMessageBoxes) {
     EXPECT_TRUE(Visit(*page_, client_, url).success);
     EXPECT_EQ(boxes_, 2);
     EXPECT_EQ(Evaluate(*page_, "window.answered"), "true");
+}
+
+TEST_F(Scripts, LoseTheirMessageBoxWithTheirPage) {
+    const std::string url = site_.Url("/alerts");
+    const Ticks ticks([&] {
+        if (FindBox(url) != nullptr) {
+            page_.reset();
+        }
+    });
+    page_->Navigate(url);
+    EXPECT_TRUE(PumpUntil([&] { return page_ == nullptr && FindBox(url) == nullptr; }));
+    RecordingClient second;
+    EXPECT_NE(CreatePage(*browser_, second), nullptr);
+}
+
+TEST_F(Scripts, LoseTheirMessageBoxToAnotherNavigation) {
+    site_.Add("/alert", "<script>alert('hear')</script>");
+    const std::string url = site_.Url("/alert");
+    bool left = false;
+    const Ticks ticks([&] {
+        if (FindBox(url) != nullptr && !std::exchange(left, true)) {
+            page_->Navigate(site_.Url("/other"));
+        }
+    });
+    page_->Navigate(url);
+    EXPECT_TRUE(PumpUntil([&] { return page_->Url() == site_.Url("/other"); }));
+    EXPECT_TRUE(left);
+    EXPECT_EQ(FindBox(url), nullptr);
 }
 
 TEST_F(Scripts, AreAnsweredWithoutMessageBoxesWhereThoseAreSwitchedOff) {
