@@ -8,7 +8,8 @@ namespace webview2_runtime {
 using testbed::chromium::PageView;
 
 Controller::Controller(Microsoft::WRL::ComPtr<WebView> webView, std::unique_ptr<PageView> view, HWND parent)
-    : webView_(std::move(webView)), view_(std::move(view)), parent_(parent) {
+    : webView_(std::move(webView)), view_(std::move(view)) {
+    webView_->SetParentWindow(parent);
     view_->SetVisible(true);
 }
 
@@ -64,7 +65,7 @@ HRESULT Controller::MoveFocus(COREWEBVIEW2_MOVE_FOCUS_REASON) {
 }
 
 HRESULT Controller::get_ParentWindow(HWND* parentWindow) {
-    return Get(parent_, parentWindow);
+    return WhileOpen([&] { return GuardedGet(parentWindow, [&] { return webView_->ParentWindow(); }); });
 }
 
 HRESULT Controller::put_ParentWindow(HWND parentWindow) {
@@ -73,7 +74,7 @@ HRESULT Controller::put_ParentWindow(HWND parentWindow) {
             return HRESULT_FROM_WIN32(ERROR_INVALID_WINDOW_HANDLE);
         }
         view_->SetParent(parentWindow);
-        parent_ = parentWindow;
+        webView_->SetParentWindow(parentWindow);
         return S_OK;
     });
 }

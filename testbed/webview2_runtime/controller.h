@@ -70,7 +70,6 @@ class Controller
 
     Microsoft::WRL::ComPtr<WebView> webView_;
     std::unique_ptr<testbed::chromium::PageView> view_; // null once closed
-    HWND parent_;
     double zoomFactor_ = 1;
     double rasterizationScale_ = 1;
     BOOL detectsScaleChanges_ = TRUE;

@@ -42,6 +42,7 @@ class EventHandlers {
         }
     }
 
+    bool Empty() const { return entries_.empty(); }
     void Clear() { std::vector<Entry>().swap(entries_); }
 
     /// Handlers that are removed meanwhile are left out; those that are added are not called yet.

@@ -5,59 +5,13 @@
 #include <string_view>
 
 #include "com_text.h"
-#include "testbed/chromium/text.h"
 
 namespace webview2_runtime {
 namespace {
 
-using testbed::chromium::Header;
 using testbed::chromium::Headers;
-using testbed::chromium::SameName;
 using testbed::chromium::ToUtf16;
 using testbed::chromium::ToUtf8;
-
-auto Named(const std::string& name) {
-    return [name](const Header& header) { return SameName(header.name, name); };
-}
-
-class HeaderIterator : public ComObject<webview2::NotImplemented<ICoreWebView2HttpHeadersCollectionIterator>,
-                                        ICoreWebView2HttpHeadersCollectionIterator> {
-  public:
-    explicit HeaderIterator(SharedHeaders headers) : headers_(std::move(headers)) {}
-
-    HRESULT STDMETHODCALLTYPE GetCurrentHeader(LPWSTR* name, LPWSTR* value) override {
-        return Guarded([&]() -> HRESULT {
-            if (name == nullptr || value == nullptr) {
-                return E_POINTER;
-            }
-            if (!HasCurrent()) {
-                return E_INVALIDARG;
-            }
-            const Header& header = headers_->at(position_);
-            const HRESULT result = CopyOut(ToUtf16(header.name), name);
-            return FAILED(result) ? result : CopyOut(ToUtf16(header.value), value);
-        });
-    }
-
-    HRESULT STDMETHODCALLTYPE get_HasCurrentHeader(BOOL* hasCurrent) override {
-        return GuardedGet(hasCurrent, [&] { return HasCurrent() ? TRUE : FALSE; });
-    }
-
-    HRESULT STDMETHODCALLTYPE MoveNext(BOOL* hasNext) override {
-        return GuardedGet(hasNext, [&] {
-            if (HasCurrent()) {
-                ++position_;
-            }
-            return HasCurrent() ? TRUE : FALSE;
-        });
-    }
-
-  private:
-    bool HasCurrent() const { return position_ < headers_->size(); }
-
-    SharedHeaders headers_;
-    std::size_t position_ = 0;
-};
 
 std::string_view WithoutBlanks(std::string_view text) {
     const std::size_t first = text.find_first_not_of(" \t");
@@ -90,36 +44,15 @@ HRESULT RequestHeaders::GetHeader(LPCWSTR name, LPWSTR* value) {
         if (name == nullptr || value == nullptr) {
             return E_POINTER;
         }
-        std::string joined;
-        bool found = false;
-        for (const Header& header : *headers_) {
-            if (SameName(header.name, ToUtf8(name))) {
-                joined += (found ? ", " : "") + header.value;
-                found = true;
-            }
+        const Headers named = HeadersNamed(All(), name);
+        if (named.empty()) {
+            return E_INVALIDARG;
         }
-        return found ? CopyOut(ToUtf16(joined), value) : E_INVALIDARG;
-    });
-}
-
-HRESULT RequestHeaders::GetHeaders(LPCWSTR name, ICoreWebView2HttpHeadersCollectionIterator** value) {
-    return Guarded([&]() -> HRESULT {
-        if (name == nullptr || value == nullptr) {
-            return E_POINTER;
+        std::string joined = named.front().value;
+        for (std::size_t i = 1; i < named.size(); ++i) {
+            joined += ", " + named.at(i).value;
         }
-        auto named = std::make_shared<Headers>();
-        std::ranges::copy_if(*headers_, std::back_inserter(*named), Named(ToUtf8(name)));
-        return HandOut(MakeObject<HeaderIterator>(std::move(named)), value);
-    });
-}
-
-HRESULT RequestHeaders::Contains(LPCWSTR name, BOOL* value) {
-    return Guarded([&]() -> HRESULT {
-        if (name == nullptr || value == nullptr) {
-            return E_POINTER;
-        }
-        *value = std::ranges::any_of(*headers_, Named(ToUtf8(name))) ? TRUE : FALSE;
-        return S_OK;
+        return CopyOut(ToUtf16(joined), value);
     });
 }
 
@@ -132,13 +65,13 @@ HRESULT RequestHeaders::SetHeader(LPCWSTR name, LPCWSTR value) {
             return E_INVALIDARG;
         }
         const std::string newName = ToUtf8(name);
-        const auto first = std::ranges::find_if(*headers_, Named(newName));
-        if (first == headers_->end()) {
-            headers_->push_back({newName, ToUtf8(value)});
+        const auto first = std::ranges::find_if(All(), Named(newName));
+        if (first == All().end()) {
+            All().push_back({newName, ToUtf8(value)});
             return S_OK;
         }
         first->value = ToUtf8(value);
-        headers_->erase(std::remove_if(first + 1, headers_->end(), Named(newName)), headers_->end());
+        All().erase(std::remove_if(first + 1, All().end(), Named(newName)), All().end());
         return S_OK;
     });
 }
@@ -148,13 +81,7 @@ HRESULT RequestHeaders::RemoveHeader(LPCWSTR name) {
         if (name == nullptr) {
             return E_POINTER;
         }
-        return std::erase_if(*headers_, Named(ToUtf8(name))) == 0 ? E_INVALIDARG : S_OK;
-    });
-}
-
-HRESULT RequestHeaders::GetIterator(ICoreWebView2HttpHeadersCollectionIterator** value) {
-    return Guarded([&]() -> HRESULT {
-        return value == nullptr ? E_POINTER : HandOut(MakeObject<HeaderIterator>(headers_), value);
+        return std::erase_if(All(), Named(ToUtf8(name))) == 0 ? E_INVALIDARG : S_OK;
     });
 }
 

@@ -22,6 +22,7 @@ void WebView::Open(std::unique_ptr<Page> page) {
     cookieManager_ = MakeObject<CookieManager>(Slot());
     Slot()->page = std::move(page);
     Slot()->page->InstallBridge(HostObjectShim());
+    Slot()->page->SetRequestInterception(clientCertificates_.On());
 }
 
 void WebView::Close() {

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "client_certificate_requests.h"
 #include "event_handlers.h"
 #include "host_objects.h"
 #include "page_object.h"
@@ -28,6 +29,10 @@ class WebView : public WebViewBase, private testbed::chromium::PageClient {
 
     /// Takes the page over and prepares it; what was called before answers `ClosedError`.
     void Open(std::unique_ptr<testbed::chromium::Page> page);
+
+    /// The window that the web view is in; boxes of the runtime's own belong to its top-level window.
+    HWND ParentWindow() const { return parentWindow_; }
+    void SetParentWindow(HWND parentWindow) { parentWindow_ = parentWindow; }
 
     /// May be called from inside an event. Handlers are released uncalled.
     void Close();
@@ -94,9 +99,21 @@ class WebView : public WebViewBase, private testbed::chromium::PageClient {
     bool OnNavigationStarting(const testbed::chromium::NavigationStart& start) override;
     void OnNavigationCompleted(const testbed::chromium::NavigationOutcome& outcome) override;
     void OnRequest(testbed::chromium::Request& request) override;
+    void OnResponse(const testbed::chromium::Response& response) override;
+    testbed::chromium::CertificateDecision
+    OnCertificateError(const testbed::chromium::CertificateProblem& problem) override;
+    testbed::chromium::AuthenticationAnswer
+    OnAuthenticationRequested(const testbed::chromium::AuthenticationChallenge& challenge) override;
     void OnBridgeMessage(const std::string& message,
                          std::function<void(const std::string& text)> reply) override;
     void OnCrashed(testbed::chromium::Crash crash) override;
+
+    void ShowRequest(testbed::chromium::Request& request);
+
+    /// Asks the host, and where that leaves it open, a person.
+    ///
+    /// @return false if the request is not to be shown: it has been aborted, or the web view closed.
+    bool SettleClientCertificate(const testbed::chromium::Request& request, const Origin& server);
 
     template <typename Handler>
     HRESULT Add(EventHandlers<Handler>& handlers, Handler* handler, EventRegistrationToken* token) const {
@@ -124,7 +141,9 @@ class WebView : public WebViewBase, private testbed::chromium::PageClient {
     Microsoft::WRL::ComPtr<ICoreWebView2Environment> environment_;
     Microsoft::WRL::ComPtr<ICoreWebView2Settings> settings_;
     Microsoft::WRL::ComPtr<ICoreWebView2CookieManager> cookieManager_;
+    HWND parentWindow_ = nullptr;
     RequestFilters filters_;
+    ClientCertificateRequests clientCertificates_;
     HostObjects hostObjects_;
     EventHandlers<ICoreWebView2NavigationStartingEventHandler> navigationStarting_;
     EventHandlers<ICoreWebView2NavigationCompletedEventHandler> navigationCompleted_;

@@ -1,4 +1,4 @@
-// Registration of the seven events. The last four are registered only: nothing raises them yet.
+// Registration of the seven events.
 #include "web_view.h"
 
 namespace webview2_runtime {
@@ -50,13 +50,26 @@ HRESULT WebView::remove_BasicAuthenticationRequested(EventRegistrationToken toke
     return Remove(basicAuthenticationRequested_, token);
 }
 
+// Without a handler Chromium shows its own error page, which it cannot show for a problem that it has reported.
 HRESULT WebView::add_ServerCertificateErrorDetected(
     ICoreWebView2ServerCertificateErrorDetectedEventHandler* eventHandler, EventRegistrationToken* token) {
-    return Add(serverCertificateErrorDetected_, eventHandler, token);
+    return WithPage([&](auto& page) {
+        const HRESULT result = serverCertificateErrorDetected_.Add(eventHandler, token);
+        page.SetCertificateReports(!serverCertificateErrorDetected_.Empty());
+        return result;
+    });
 }
 
 HRESULT WebView::remove_ServerCertificateErrorDetected(EventRegistrationToken token) {
-    return Remove(serverCertificateErrorDetected_, token);
+    return WithPage([&](auto&) {
+        // The host may close and release the web view in the handler's release.
+        const Microsoft::WRL::ComPtr<WebView> self = this;
+        serverCertificateErrorDetected_.Remove(token);
+        if (!IsClosed()) {
+            Slot()->page->SetCertificateReports(!serverCertificateErrorDetected_.Empty());
+        }
+        return S_OK;
+    });
 }
 
 HRESULT

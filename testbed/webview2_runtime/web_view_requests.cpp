@@ -11,6 +11,7 @@ namespace webview2_runtime {
 namespace {
 
 using testbed::chromium::Page;
+using testbed::chromium::Request;
 using testbed::chromium::ToUtf16;
 
 } // namespace
@@ -36,27 +37,39 @@ HRESULT WebView::RemoveWebResourceRequestedFilter(LPCWSTR uri,
         if (!filters_.Remove(uri, resourceContext)) {
             return E_INVALIDARG;
         }
-        page.SetRequestInterception(!filters_.Empty());
+        page.SetRequestInterception(!filters_.Empty() || clientCertificates_.On());
         return S_OK;
     });
 }
 
-void WebView::OnRequest(testbed::chromium::Request& request) {
+void WebView::OnRequest(Request& request) {
     DuringEvent([&] {
-        const std::wstring uri = ToUtf16(request.url);
-        if (!filters_.Match(uri, request.kind)) {
+        if (!clientCertificates_.On()) {
+            ShowRequest(request);
             return;
         }
-        // A copy: the host may keep the objects longer than the request lives.
-        const auto headers = std::make_shared<testbed::chromium::Headers>(request.headers);
-        const auto arguments = MakeObject<WebResourceRequestedArguments>(
-            MakeObject<WebResourceRequest>(RequestOrigin::Page, uri, ToUtf16(request.method), nullptr,
-                                           headers),
-            ContextOf(request.kind));
-        webResourceRequested_.Raise<ICoreWebView2, ICoreWebView2WebResourceRequestedEventArgs>(
-            this, arguments.Get());
-        request.headers = *headers;
+        const Origin server = OriginOf(request.url);
+        if (clientCertificates_.Decided(server) || SettleClientCertificate(request, server)) {
+            ShowRequest(request);
+        }
+        // Last: a proxy adds it behind the host's back.
+        clientCertificates_.Tell(server, request.headers);
     });
+}
+
+void WebView::ShowRequest(Request& request) {
+    const std::wstring uri = ToUtf16(request.url);
+    if (!filters_.Match(uri, request.kind)) {
+        return;
+    }
+    // A copy: the host may keep the objects longer than the request lives.
+    const auto headers = std::make_shared<testbed::chromium::Headers>(request.headers);
+    const auto arguments = MakeObject<WebResourceRequestedArguments>(
+        MakeObject<WebResourceRequest>(RequestOrigin::Page, uri, ToUtf16(request.method), nullptr, headers),
+        ContextOf(request.kind));
+    webResourceRequested_.Raise<ICoreWebView2, ICoreWebView2WebResourceRequestedEventArgs>(this,
+                                                                                           arguments.Get());
+    request.headers = *headers;
 }
 
 } // namespace webview2_runtime

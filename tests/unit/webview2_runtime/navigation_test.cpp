@@ -232,7 +232,7 @@ TEST_F(NavigationTest, AHandlerMayRemoveItselfAndTheNext) {
     EXPECT_EQ(order, "133");
 }
 
-/// Adds a handler of an event that nothing raises yet, and takes it back.
+/// Adds a handler of an event, and takes it back.
 template <typename Handler, typename Add, typename Remove>
 EventRegistrationToken Register(ICoreWebView2_15* view, Add add, Remove remove) {
     EventRegistrationToken token{};

@@ -200,4 +200,28 @@ WebViewTest::OnRequested(std::function<void(ICoreWebView2WebResourceRequestedEve
         view.Get(), &ICoreWebView2_15::add_WebResourceRequested, std::move(handler));
 }
 
+EventRegistrationToken WebViewTest::OnResponse(
+    std::function<void(ICoreWebView2WebResourceResponseReceivedEventArgs*)> handler) const {
+    return AddHandler<ICoreWebView2WebResourceResponseReceivedEventHandler>(
+        view.Get(), &ICoreWebView2_15::add_WebResourceResponseReceived, std::move(handler));
+}
+
+EventRegistrationToken WebViewTest::OnChallenge(
+    std::function<void(ICoreWebView2BasicAuthenticationRequestedEventArgs*)> handler) const {
+    return AddHandler<ICoreWebView2BasicAuthenticationRequestedEventHandler>(
+        view.Get(), &ICoreWebView2_15::add_BasicAuthenticationRequested, std::move(handler));
+}
+
+EventRegistrationToken WebViewTest::OnCertificateError(
+    std::function<void(ICoreWebView2ServerCertificateErrorDetectedEventArgs*)> handler) const {
+    return AddHandler<ICoreWebView2ServerCertificateErrorDetectedEventHandler>(
+        view.Get(), &ICoreWebView2_15::add_ServerCertificateErrorDetected, std::move(handler));
+}
+
+EventRegistrationToken WebViewTest::OnClientCertificate(
+    std::function<void(ICoreWebView2ClientCertificateRequestedEventArgs*)> handler) const {
+    return AddHandler<ICoreWebView2ClientCertificateRequestedEventHandler>(
+        view.Get(), &ICoreWebView2_15::add_ClientCertificateRequested, std::move(handler));
+}
+
 } // namespace webview2_runtime_test

@@ -132,6 +132,14 @@ class WebViewTest : public RuntimeTest {
     OnStarting(std::function<void(ICoreWebView2NavigationStartingEventArgs* arguments)> handler) const;
     EventRegistrationToken
     OnRequested(std::function<void(ICoreWebView2WebResourceRequestedEventArgs* arguments)> handler) const;
+    EventRegistrationToken OnResponse(
+        std::function<void(ICoreWebView2WebResourceResponseReceivedEventArgs* arguments)> handler) const;
+    EventRegistrationToken OnChallenge(
+        std::function<void(ICoreWebView2BasicAuthenticationRequestedEventArgs* arguments)> handler) const;
+    EventRegistrationToken OnCertificateError(
+        std::function<void(ICoreWebView2ServerCertificateErrorDetectedEventArgs* arguments)> handler) const;
+    EventRegistrationToken OnClientCertificate(
+        std::function<void(ICoreWebView2ClientCertificateRequestedEventArgs* arguments)> handler) const;
 };
 
 } // namespace webview2_runtime_test
