@@ -8,7 +8,9 @@ import subprocess
 import tempfile
 import threading
 import time
+from collections.abc import Callable
 from pathlib import Path
+from typing import Any
 
 from tests.flow.viewer_case import BIN_DIR, WINE, windows_path
 
@@ -139,22 +141,36 @@ def save_picture(file: Path) -> None:
     subprocess.run(["import", "-window", "root", "-silent", str(file)], check=True)
 
 
-def browser_processes(folder: Path) -> list[int]:
-    """The browser's processes on profiles in that folder or below it."""
-    option = f"--user-data-dir={folder}".encode()
-    found = []
+def browser_processes(folder: Path, kind: str = "") -> list[int]:
+    """The browser's processes on profiles in that folder or below it; with a kind, its helpers of that kind only."""
+    return [process for process, line in _command_lines(folder).items() if not kind or f" --type={kind} " in line]
+
+
+def await_main_process(folder: Path) -> int:
+    """Waits for the process that all others of the browser come from."""
+    def started() -> list[int]:
+        lines = _command_lines(folder)
+        return sorted(process for process, line in lines.items() if line.partition("\0")[0].endswith("/chromium"))
+    return await_condition(started, "the start of the browser")[0]
+
+
+def _command_lines(folder: Path) -> dict[int, str]:
+    # The arguments of a helper process are one text.
+    option = re.compile(rf"[\0 ]--user-data-dir={re.escape(str(folder))}([\0 /]|$)")
+    lines = {}
     for process in Path("/proc").glob("[0-9]*"):
         with contextlib.suppress(OSError):
-            arguments = (process / "cmdline").read_bytes().split(b"\0")
-            if any(argument == option or argument.startswith(option + b"/") for argument in arguments):
-                found.append(int(process.name))
-    return found
+            line = (process / "cmdline").read_text("utf-8", "replace")
+            if option.search(line):
+                lines[int(process.name)] = line
+    return lines
 
 
-def await_condition(condition, what: str, seconds: float = ANSWER_SECONDS) -> None:
-    """Waits until a condition holds; it is looked at again and again."""
+def await_condition(condition: Callable[[], Any], what: str, seconds: float = ANSWER_SECONDS) -> Any:
+    """Waits until a condition holds, which is looked at again and again; returns what it then is."""
     deadline = time.monotonic() + seconds
-    while not condition():
+    while not (value := condition()):
         if time.monotonic() > deadline:
             raise AssertionError(f"{what}: not within {seconds} s")
         time.sleep(0.05)
+    return value

@@ -5,6 +5,7 @@ import re
 import subprocess
 from pathlib import Path
 
+from document_server.documents import document
 from document_server.login import BAND_COLOUR, BAND_HEIGHT, DONE_PAGE_COLOUR, PAGE_COLOUR
 
 from tests.e2e.browser_case import PICTURES, BrowserCase, rgb
@@ -13,7 +14,17 @@ from tests.e2e.person import Person
 from tests.flow.viewer_case import BIN_DIR, PASSWORD, USER, WINE, windows_path
 
 PROMPT = "Log in to the document server"
+DOCUMENT = "plan.bin"
 OF_LIBRARY = re.compile(r"^\S+ kelda ")
+LOGGED_IN, NOT_LOGGED_IN = 0, 3
+NOT_LOGGED_IN_LINE = "viewer: not logged in: the server wants its web login form filled in."
+LOAD_FAILED = "ZanWebBrowserEdge 0 Navigation failed. Leaving Edge control visible for user to read message"
+# What the trace of a dialog begins and ends with.
+DIALOG_BEGINS = [
+    "ZanWebBrowserEdge 0 WebView2 runtime found, version 146.0.3856.49",
+    "ZanWebBrowserEdge 0 The COM library is already initialized on this thread",
+]
+DIALOG_ENDS = "ZanFormBasedAuthentication 0 OnDestoy()"
 # Places in the dialog, from the corners of its window: within the page, clear of title bar and frame.
 INSET = 12
 TITLE_BAR = 30
@@ -23,7 +34,7 @@ class Viewer:
     """A context manager around one run of the viewer."""
 
     def __init__(self, folder: Path, arguments: list[str], environment: dict[str, str]) -> None:
-        self._trace, self._output = folder / "trace.txt", folder / "viewer.txt"
+        self._trace, self._output, self.document = (folder / name for name in ("trace.txt", "viewer.txt", DOCUMENT))
         self._command = [WINE, str(BIN_DIR / "viewer.exe"), "--trace", windows_path(self._trace), *arguments]
         self._environment = {**os.environ, **environment}
 
@@ -56,15 +67,21 @@ class Viewer:
         lines = self._trace.read_text("utf-8").splitlines() if self._trace.exists() else []
         return [OF_LIBRARY.sub("", line) for line in lines]
 
+    def trace_of_dialog(self) -> list[str]:
+        """The part of the trace that is about the dialog, which is there or was."""
+        trace = self.trace()
+        return trace[trace.index(DIALOG_BEGINS[0]):]
+
 
 class LoginCase(BrowserCase):
     """A viewer that is to log in at the login page of a document server."""
 
-    def start(self, *arguments: str, words: str = "", **environment: str) -> Viewer:
-        """A viewer on the server of the test; its browser's profile lies in the test's folder."""
+    def start(self, *arguments: str, words: str = "", folder: Path | None = None, **environment: str) -> Viewer:
+        """A viewer on the server of the test; its files, and its browser's profile, lie in that folder or the test's."""
+        folder = folder or self.folder
         return self.enterContext(Viewer(
-            self.folder, ["--server", self.server.url + "/", *arguments],
-            {"MERIDO_USER_PREFS_LOCAL_DIR": windows_path(self.folder), "MERIDO_ZANWEBBROWSER_IMPLEMENTATION": words,
+            folder, ["--server", self.server.url + "/", *arguments],
+            {"MERIDO_USER_PREFS_LOCAL_DIR": windows_path(folder), "MERIDO_ZANWEBBROWSER_IMPLEMENTATION": words,
              **environment}))
 
     def dialog(self, prompt: str = PROMPT) -> Person:
@@ -102,3 +119,22 @@ class LoginCase(BrowserCase):
         """Gives the page the keyboard; the next field from its heading is the first."""
         person.click(person.width // 2, TITLE_BAR + BAND_HEIGHT // 2)
         person.press("Tab")
+
+
+class DownloadCase(LoginCase):
+    """A viewer that wants a document that only a session gets."""
+
+    def start_download(self, *arguments: str, folder: Path | None = None, **options: str) -> Viewer:
+        document_file = (folder or self.folder) / DOCUMENT
+        return self.start("--get", "documents/plan", "--output", windows_path(document_file), *arguments,
+                          folder=folder, **options)
+
+    def assert_downloaded(self, viewer: Viewer) -> None:
+        self.assertEqual(viewer.exit_code(), LOGGED_IN, viewer.last_line)
+        self.assertEqual(viewer.document.read_bytes(), document("plan"))
+
+    def assert_not_logged_in(self, viewer: Viewer) -> None:
+        self.assertEqual(viewer.exit_code(), NOT_LOGGED_IN)
+        self.assertEqual(viewer.last_line, NOT_LOGGED_IN_LINE)
+        self.assertFalse(viewer.document.exists())
+        self.assertNotIn("/documents/plan", [request["path"] for request in self.server.requests()])

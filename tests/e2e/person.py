@@ -1,7 +1,9 @@
 """A person at the display: sees windows and colours, and uses the display's own keyboard and mouse."""
 
+import contextlib
 import re
 import subprocess
+from collections.abc import Callable, Iterator
 
 from tests.e2e.browser_host import await_condition, pixel_of_display
 
@@ -9,6 +11,9 @@ from tests.e2e.browser_host import await_condition, pixel_of_display
 # to its bottom right corner the frame can be taken hold of.
 CLOSE_BUTTON = (14, 13)
 CORNER = 2
+
+# A caret that blinks changes fewer pixels, anything else that a person looks for more.
+CARET_PIXELS = 50
 
 # So often the display is searched while windows go away in it.
 SEARCHES = 20
@@ -38,6 +43,16 @@ class Person:
         """The colour at a place of the window."""
         return pixel_of_display(self.left + x, self.top + y)
 
+    def await_effect(self, action: Callable[[], None]) -> None:
+        """Does something and waits until the window shows it; a caret that blinks is no effect."""
+        before = self._picture()
+        action()
+
+        def changed() -> bool:
+            now = self._picture()
+            return sum(before[at:at + 3] != now[at:at + 3] for at in range(0, len(before), 3)) > CARET_PIXELS
+        await_condition(changed, f"an effect in {self.title!r}")
+
     def click(self, x: int, y: int) -> None:
         """Presses the left mouse button there."""
         _xdotool("mousemove", str(self.left + x), str(self.top + y), "click", "1")
@@ -48,16 +63,31 @@ class Person:
 
     def resize(self, width: int, height: int) -> None:
         """Draws the bottom right corner of the window to where it gets that size."""
-        right, bottom = self.left + self.width - CORNER, self.top + self.height - CORNER
-        _xdotool("mousemove", str(right), str(bottom), "mousedown", "1",
-                 "mousemove", str(right + width - self.width), str(bottom + height - self.height), "mouseup", "1")
+        right, down = width - self.width, height - self.height
+        with self.holding_corner():
+            self.move_mouse(right, down)
+        self.await_size(width, height)
+
+    def await_size(self, width: int, height: int) -> None:
+        """Waits until the window has that size."""
         await_condition(lambda: self._locate() == (width, height), f"{width} x {height} of {self.title!r}")
+
+    def holding_corner(self) -> contextlib.AbstractContextManager[None]:
+        """Within the block the bottom right corner of the window follows the mouse."""
+        return self._holding(self.width - CORNER, self.height - CORNER)
+
+    def holding_close_button(self) -> contextlib.AbstractContextManager[None]:
+        """Presses the close button; at the end of the block it is let go."""
+        return self._holding(self.width - CLOSE_BUTTON[0], CLOSE_BUTTON[1])
+
+    @staticmethod
+    def move_mouse(right: int, down: int) -> None:
+        """Moves the mouse by so many pixels."""
+        _xdotool("mousemove_relative", "--", str(right), str(down))
 
     def colour_count(self) -> int:
         """How many different colours there are in the window, below its title bar and within its frame."""
-        area = f"{self.width - 20}x{self.height - 50}+{self.left + 10}+{self.top + 40}"
-        command = ["convert", "x:root", "-crop", area, "-format", "%k", "info:"]
-        return int(subprocess.run(command, check=True, capture_output=True, text=True).stdout)
+        return int(self._look("-format", "%k", "info:"))
 
     @staticmethod
     def type(text: str) -> None:
@@ -68,6 +98,21 @@ class Person:
     def press(*keys: str) -> None:
         """Presses keys, one after the other."""
         _xdotool("key", "--delay", "30", *keys)
+
+    def _picture(self) -> bytes:
+        return self._look("-depth", "8", "rgb:-")
+
+    def _look(self, *output: str) -> bytes:
+        area = f"{self.width - 20}x{self.height - 50}+{self.left + 10}+{self.top + 40}"
+        return subprocess.run(["convert", "x:root", "-crop", area, *output], check=True, capture_output=True).stdout
+
+    @contextlib.contextmanager
+    def _holding(self, x: int, y: int) -> Iterator[None]:
+        _xdotool("mousemove", str(self.left + x), str(self.top + y), "mousedown", "1")
+        try:
+            yield
+        finally:
+            _xdotool("mouseup", "1")
 
     def _locate(self) -> tuple[int, int]:
         answer = _xdotool("getwindowgeometry", "--shell", windows(self.title)[0])

@@ -1,35 +1,12 @@
 """The whole form login through the viewer and the real library, by a person with keys and a mouse."""
 
-from document_server.documents import document
 from document_server.login import WRONG_PAGE_COLOUR
 
 from tests.e2e.browser_case import PICTURES
 from tests.e2e.browser_host import await_condition, save_picture
-from tests.e2e.login_case import LoginCase, Viewer
+from tests.e2e.login_case import LOAD_FAILED, DownloadCase
 from tests.e2e.person import title_of_focus
-from tests.flow.viewer_case import PASSWORD, USER, windows_path
-
-LOGGED_IN, NOT_LOGGED_IN = 0, 3
-NOT_LOGGED_IN_LINE = "viewer: not logged in: the server wants its web login form filled in."
-LOAD_FAILED = "ZanWebBrowserEdge 0 Navigation failed. Leaving Edge control visible for user to read message"
-
-
-class DownloadCase(LoginCase):
-    """A viewer that wants a document that only a session gets."""
-
-    def start_download(self, words: str = "") -> Viewer:
-        self.output = self.folder / "plan.bin"
-        return self.start("--get", "documents/plan", "--output", windows_path(self.output), words=words)
-
-    def assert_downloaded(self, viewer: Viewer) -> None:
-        self.assertEqual(viewer.exit_code(), LOGGED_IN, viewer.last_line)
-        self.assertEqual(self.output.read_bytes(), document("plan"))
-
-    def assert_not_logged_in(self, viewer: Viewer) -> None:
-        self.assertEqual(viewer.exit_code(), NOT_LOGGED_IN)
-        self.assertEqual(viewer.last_line, NOT_LOGGED_IN_LINE)
-        self.assertFalse(self.output.exists())
-        self.assertNotIn("/documents/plan", [request["path"] for request in self.server.requests()])
+from tests.flow.viewer_case import PASSWORD, USER
 
 
 class Login(DownloadCase):
