@@ -92,10 +92,9 @@ void PageSession::OnCertificateError(const Json& params) {
         return;
     }
     const CertificateProblem problem = ProblemFrom(params);
-    if (!certificates_->Contain(address_.context, problem)) {
-        if (client_->OnCertificateError(problem) == CertificateDecision::AlwaysAllow) {
-            certificates_->Add(address_.context, problem);
-        }
+    if (!certificates_->Contain(address_.context, problem) &&
+        client_->OnCertificateError(problem) == CertificateDecision::AlwaysAllow) {
+        certificates_->Add(address_.context, problem);
     }
     const bool allowed = certificates_->Contain(address_.context, problem);
     if (!allowed) {

@@ -1,5 +1,6 @@
 // A page whose Chromium tells the second half of an answer late, or never. A real one has not been seen to; so this one is
 // played, on a connection that leads nowhere.
+#include "testbed/chromium/launch.h"
 #include "testbed/chromium/page_session.h"
 #include "tests/unit/chromium/chromium_test.h"
 
@@ -113,6 +114,32 @@ TEST_F(LateAnswers, AreToldAsTheyAreWhenTheSecondHalfDoesNotCome) {
     Load();
     session_->OnEvent(PageSession::kAnswerMissingEvent, {{"number", 1}});
     EXPECT_EQ(log_, (Log{"start http://host.test/", "answer 200 with 0", "success"}));
+}
+
+TEST_F(LateAnswers, AreGivenUpWhenChromiumHasAnsweredAQuestionMeanwhile) {
+    const ProfileFolder folder;
+    DWORD error = ERROR_SUCCESS;
+    const auto connection = Connection::Start(NativeFolder(folder.Path(), error), error);
+    ASSERT_NE(connection, nullptr) << error;
+    std::string target;
+    std::string session;
+    connection->Send("Target.createTarget", {{"url", "about:blank"}}, {}, [&](const Json* created) {
+        target = created->at("targetId");
+        connection->Send("Target.attachToTarget", {{"targetId", target}, {"flatten", true}}, {},
+                         [&](const Json* attached) { session = attached->at("sessionId"); });
+    });
+    ASSERT_TRUE(PumpUntil([&] { return !session.empty(); }));
+    session_ = std::make_shared<PageSession>(connection, PageSession::Address{session, kMainFrame, ""},
+                                             std::make_shared<AllowedCertificates>());
+    session_->SetClient(client_);
+    connection->Attach(session, session_);
+    Start("http://host.test/");
+    Answer();
+    Load();
+    EXPECT_EQ(log_, (Log{"start http://host.test/"}));
+    EXPECT_TRUE(PumpUntil([&] { return log_.size() == 3; }));
+    EXPECT_EQ(log_, (Log{"start http://host.test/", "answer 200 with 0", "success"}));
+    connection->End();
 }
 
 TEST_F(LateAnswers, DoNotHoldPicturesBack) {

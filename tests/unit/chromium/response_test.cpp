@@ -217,7 +217,7 @@ TEST_F(Answers, HaveAllTheirCookiesInOrder) {
         const std::string name = i % 3 == 0 ? "Set-Cookie" : i % 3 == 1 ? "set-cookie" : "SET-COOKIE";
         const std::string value =
             "name" + std::to_string((i * 7) % 20) + "=" + std::to_string(i) + "; Path=/";
-        headers += name + ": " + value + (i == 19 ? "" : "\r\n");
+        headers.append(i == 0 ? "" : "\r\n").append(name).append(": ").append(value);
         expected.push_back({name, value});
     }
     EXPECT_EQ(HeadersOf(headers), expected);

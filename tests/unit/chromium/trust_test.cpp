@@ -127,7 +127,7 @@ TEST(TrustText, WritesChallengesAsServersDo) {
     for (const auto& [scheme, realm, challenge] :
          {std::tuple{"basic", "documents", "Basic realm=\"documents\""},
           std::tuple{"basic", "", "Basic realm=\"\""},
-          std::tuple{"basic", "a \"quoted\" \\ one", R"(Basic realm="a \"quoted\" \\ one")"},
+          std::tuple{"basic", R"(a "quoted" \ one)", R"(Basic realm="a \"quoted\" \\ one")"},
           std::tuple{"digest", "documents", "Digest realm=\"documents\""}, std::tuple{"ntlm", "", "NTLM"},
           std::tuple{"negotiate", "", "Negotiate"},
           std::tuple{"unheard-of", "of", "unheard-of realm=\"of\""}}) {
