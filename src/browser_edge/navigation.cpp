@@ -108,6 +108,7 @@ HRESULT ZanWebBrowserEdge::Impl::OnNavigationCompleted(ICoreWebView2* /*sender*/
 }
 
 // With "parse" the cookies of every response go to WinINet as it arrives, those of redirects included.
+// NOLINTNEXTLINE(readability-make-member-function-const): an event handler like the others in the table
 HRESULT ZanWebBrowserEdge::Impl::OnWebResourceResponseReceived(
     ICoreWebView2* /*sender*/, ICoreWebView2WebResourceResponseReceivedEventArgs* args) {
     TraceResponse(args, verboseTrace_);
