@@ -1,9 +1,13 @@
 // Sending, and the thread that receives.
 #include "testbed/chromium/pipe.h"
 
+#include <process.h>
+
 #include <array>
+#include <cerrno>
 #include <exception>
 #include <iterator>
+#include <system_error>
 #include <utility>
 
 #include "testbed/chromium/exclusive_lock.h"
@@ -20,16 +24,20 @@ Pipe::Pipe(Socket channel, Socket status, std::function<void()> arrived)
     : channel_(std::move(channel)),
       status_(std::move(status)),
       window_(std::move(arrived)),
-      end_(CreateEventW(nullptr, TRUE, FALSE, nullptr), &CloseHandle) {
+      end_(CreateEventW(nullptr, TRUE, FALSE, nullptr), &CloseHandle),
+      reader_(nullptr, &CloseHandle) {
     setsockopt(channel_.Get(), SOL_SOCKET, SO_SNDTIMEO, reinterpret_cast<const char*>(&kSendMilliseconds),
                sizeof(kSendMilliseconds));
-    reader_ = std::thread(&Pipe::ReadAll, this);
+    reader_.reset(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, &Pipe::ReadAll, this, 0, nullptr)));
+    if (!reader_) {
+        throw std::system_error(errno, std::generic_category(), "the thread of a pipe");
+    }
 }
 
 Pipe::~Pipe() {
     Close();
     shutdown(status_.Get(), SD_BOTH);
-    reader_.join();
+    WaitForSingleObject(reader_.get(), INFINITE);
 }
 
 bool Pipe::Take(std::deque<std::string>& messages) {
@@ -62,15 +70,17 @@ bool Pipe::WaitForEnd(DWORD milliseconds) const {
     return WaitForSingleObject(end_.get(), milliseconds) == WAIT_OBJECT_0;
 }
 
-void Pipe::ReadAll() noexcept {
+unsigned __stdcall Pipe::ReadAll(void* self) noexcept {
+    auto& pipe = *static_cast<Pipe*>(self);
     try {
-        Read(channel_);
-        Read(status_);
+        pipe.Read(pipe.channel_);
+        pipe.Read(pipe.status_);
     } catch (const std::exception&) {
         OutputDebugStringA("No memory for what Chromium says; the channel is given up\n");
-        Close();
+        pipe.Close();
     }
-    DeliverEnd();
+    pipe.DeliverEnd();
+    return 0;
 }
 
 void Pipe::Read(const Socket& socket) {

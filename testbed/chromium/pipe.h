@@ -5,7 +5,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <thread>
 
 #include <windows.h>
 
@@ -46,7 +45,7 @@ class Pipe {
     bool WaitForEnd(DWORD milliseconds) const;
 
   private:
-    void ReadAll() noexcept;
+    static unsigned __stdcall ReadAll(void* self) noexcept;
     void Read(const Socket& socket);
     void Deliver(std::string&& message);
     void DeliverEnd();
@@ -60,7 +59,8 @@ class Pipe {
     bool ended_ = false;
     bool woken_ = false;                                // and nothing taken since
     std::unique_ptr<void, decltype(&CloseHandle)> end_; // an event that is set when all has been read
-    std::thread reader_;
+    // Not a std::thread: mingw's keeps an event for good when one ends while another begins, and handles are counted.
+    std::unique_ptr<void, decltype(&CloseHandle)> reader_;
 };
 
 } // namespace testbed::chromium

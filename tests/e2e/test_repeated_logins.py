@@ -5,8 +5,6 @@ from tests.e2e.browser_host import BrowserHost, await_condition
 from tests.e2e.login_case import LoginCase
 
 LOGINS = 50
-# One handle and one window more have been seen to come at some login or other, once in a process and for good.
-ONCE = 1
 
 
 class TwoLogins(LoginCase):
@@ -54,11 +52,7 @@ class ManyLogins(BrowserCase):
         # The first ones also load modules and start threads of the system.
         for _ in range(3):
             self.log_in(host)
-        handles, windows, graphics, objects = host.counts()
+        settled = host.counts()
         for _ in range(LOGINS - 3):
             self.log_in(host)
-
-        def settled() -> bool:
-            now = host.counts()
-            return now[0] <= handles + ONCE and now[1] <= windows + ONCE and now[2:] == (graphics, objects)
-        await_condition(settled, f"the return to {handles, windows, graphics, objects}, not {host.counts()}")
+        await_condition(lambda: host.counts() == settled, f"the return to {settled}, not {host.counts()}")

@@ -68,10 +68,18 @@ std::vector<std::byte> ReadHandleTable() {
     return buffer;
 }
 
+/// Whether it is where urlmon is told of downloads.
+bool IsForgotten(HWND window) {
+    constexpr std::wstring_view kForgotten = L"URL Moniker Notification Window";
+    std::array<wchar_t, kForgotten.size() + 2> name{};
+    const int length = GetClassNameW(window, name.data(), static_cast<int>(name.size()));
+    return std::wstring_view(name.data(), static_cast<std::size_t>(length)) == kForgotten;
+}
+
 BOOL CALLBACK CountOwn(HWND window, LPARAM count) {
     DWORD processId = 0;
     GetWindowThreadProcessId(window, &processId);
-    if (processId == GetCurrentProcessId()) {
+    if (processId == GetCurrentProcessId() && !IsForgotten(window)) {
         ++*reinterpret_cast<std::size_t*>(count);
         EnumChildWindows(
             window,
