@@ -35,11 +35,12 @@ constexpr std::wstring_view kLauncher =
     L"chr(0);"
     L"POSIX::write(1, $text, length($text)); shutdown(STDIN, 2); shutdown(STDOUT, 2);";
 
-constexpr std::array<std::wstring_view, 11> kSwitches = {
+constexpr std::array<std::wstring_view, 12> kSwitches = {
     L"--remote-debugging-pipe",
     L"--headless=new",
     L"--disable-gpu",
     L"--disable-quic",
+    L"--disable-popup-blocking",
     L"--no-first-run",
     L"--no-startup-window",
     L"--disable-background-networking",

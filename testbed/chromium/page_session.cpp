@@ -123,6 +123,9 @@ void PageSession::Close() {
 
 /// A navigation's answer comes before what came of it, also if Chromium is late with the second half of the answer.
 void PageSession::OnEvent(const std::string& method, const Json& params) {
+    if (closed_) {
+        return;
+    }
     if (method == kPictureEvent) { // comes also while the client is being called
         Handle(method, params);
         return;

@@ -77,6 +77,7 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     void Close();
     bool Closed() const { return closed_; }
     const std::string& Url() const { return url_; }
+    const std::string& Session() const { return address_.session; }
 
     void SetRequestInterception(bool enabled) { interception_ = enabled; }
     void SetCertificateReports(bool enabled);
@@ -128,6 +129,8 @@ class PageSession final : public EventSink, public std::enable_shared_from_this<
     void OnStartedNavigating(const Json& params);
     void OnAnswerMissing(const Json& params);
     void OnCertificateError(const Json& params);
+    /// Asks the client, unless it has allowed that certificate before.
+    bool Allow(const CertificateProblem& problem);
     void OnAuthenticationRequired(const Json& params);
     void OnWorkerAttached(const Json& params);
     void OnWorkerDetached(const Json& params);

@@ -91,7 +91,18 @@ void PageSession::OnCertificateError(const Json& params) {
     if (!certificateReports_ || client_ == nullptr) {
         return;
     }
-    const CertificateProblem problem = ProblemFrom(params);
+    const auto answer = [&](const char* action) {
+        Send("Security.handleCertificateError", {{"eventId", params.at("eventId")}, {"action", action}});
+    };
+    try {
+        answer(Allow(ProblemFrom(params)) ? "continue" : "cancel");
+    } catch (const Json::exception&) {
+        answer("cancel");
+        throw;
+    }
+}
+
+bool PageSession::Allow(const CertificateProblem& problem) {
     if (!certificates_->Contain(address_.context, problem) &&
         client_->OnCertificateError(problem) == CertificateDecision::AlwaysAllow) {
         certificates_->Add(address_.context, problem);
@@ -100,8 +111,7 @@ void PageSession::OnCertificateError(const Json& params) {
     if (!allowed) {
         navigations_.Refuse(problem.url, problem.error);
     }
-    Send("Security.handleCertificateError",
-         {{"eventId", params.at("eventId")}, {"action", allowed ? "continue" : "cancel"}});
+    return allowed;
 }
 
 /// Whatever becomes of it here, the challenge does not stay open.

@@ -131,15 +131,19 @@ std::vector<Response> Responses::Take(const std::string& request) {
     return complete;
 }
 
+void Responses::TakeSent(Exchange& exchange, Response& response) {
+    if (!exchange.sent.empty()) {
+        response.requestHeaders = std::move(exchange.sent.front());
+        exchange.sent.pop_front();
+    }
+}
+
 Response Responses::Complete(Exchange& exchange) {
     Hop hop = std::move(exchange.hops.front());
     exchange.hops.pop_front();
     Response& response = hop.response;
     if (hop.wired) {
-        if (!exchange.sent.empty()) {
-            response.requestHeaders = std::move(exchange.sent.front());
-            exchange.sent.pop_front();
-        }
+        TakeSent(exchange, response);
         WireAnswer answer = std::move(exchange.answers.front());
         exchange.answers.pop_front();
         // Chromium has got no more than that the page in its cache is still good, and answers with that one.
@@ -164,7 +168,9 @@ std::optional<std::uint64_t> Responses::Late() const {
 std::vector<Response> Responses::GiveUp(std::uint64_t number) {
     for (auto& [request, exchange] : exchanges_) {
         if (!exchange.hops.empty() && exchange.hops.front().number == number) {
-            exchange.hops.front().wired = false;
+            Hop& hop = exchange.hops.front();
+            hop.wired = false;
+            TakeSent(exchange, hop.response);
             return Take(std::string(request));
         }
     }

@@ -35,7 +35,7 @@ class Responses {
     /// The number of a navigation's answer whose second half has not come yet. What came after its first half is not to be
     /// told before it.
     std::optional<std::uint64_t> Late() const;
-    /// That second half will not come.
+    /// That second half will not come: if it does, it is taken for that of the request's next answer.
     std::vector<Response> GiveUp(std::uint64_t number);
 
     /// How many requests it keeps something of.
@@ -71,6 +71,7 @@ class Responses {
     void End(const std::string& request);
     std::vector<Response> Take(const std::string& request);
     static Response Complete(Exchange& exchange);
+    static void TakeSent(Exchange& exchange, Response& response);
 
     std::string mainFrame_;
     std::uint64_t lastNumber_ = 0;

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "testbed/chromium/launch.h"
 #include "testbed/chromium/text.h"
 #include "tests/support/native_process.h"
 
@@ -149,6 +150,29 @@ std::string Evaluate(Page& page, const std::string& expression) {
                   [result](const std::optional<std::string>& json) { *result = json.value_or("failed"); });
     PumpUntil([&] { return !result->empty(); });
     return *result;
+}
+
+std::shared_ptr<Connection> StartChromium(const ProfileFolder& folder) {
+    DWORD error = ERROR_SUCCESS;
+    auto connection = Connection::Start(NativeFolder(folder.Path(), error), error);
+    EXPECT_EQ(error, ERROR_SUCCESS);
+    return connection;
+}
+
+std::shared_ptr<PageSession> OpenBarePage(const std::shared_ptr<Connection>& connection,
+                                          const std::string& mainFrame) {
+    const auto session = std::make_shared<std::string>();
+    connection->Send("Target.createTarget", {{"url", "about:blank"}}, {}, [=](const Json* created) {
+        connection->Send("Target.attachToTarget", {{"targetId", created->at("targetId")}, {"flatten", true}},
+                         {}, [=](const Json* attached) { *session = attached->at("sessionId"); });
+    });
+    if (!PumpUntil([&] { return !session->empty(); })) {
+        return nullptr;
+    }
+    auto page = std::make_shared<PageSession>(connection, PageSession::Address{*session, mainFrame, ""},
+                                              std::make_shared<AllowedCertificates>());
+    connection->Attach(*session, page);
+    return page;
 }
 
 void ChromiumTest::SetUp() {

@@ -12,6 +12,7 @@
 
 #include "testbed/chromium/browser.h"
 #include "testbed/chromium/page.h"
+#include "testbed/chromium/page_session.h"
 #include "testbed/chromium/page_view.h"
 #include "tests/support/canned_server.h"
 #include "tests/support/message_pump.h"
@@ -169,6 +170,17 @@ NavigationOutcome Visit(Page& page, RecordingClient& client, const std::string& 
 
 /// @return the result as JSON, or a text that no JSON is.
 std::string Evaluate(Page& page, const std::string& expression);
+
+/// A Chromium without any page.
+/// @return null on any failure.
+std::shared_ptr<Connection> StartChromium(const ProfileFolder& folder);
+
+/// The session of a new page for which nothing has been set up.
+///
+/// @param mainFrame how events call it.
+/// @return null if the deadline has passed.
+std::shared_ptr<PageSession> OpenBarePage(const std::shared_ptr<Connection>& connection,
+                                          const std::string& mainFrame = {});
 
 /// A browser on a folder of its own, with one page.
 class ChromiumTest : public testing::Test {

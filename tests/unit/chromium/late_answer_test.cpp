@@ -1,7 +1,5 @@
 // A page whose Chromium tells the second half of an answer late, or never. A real one has not been seen to; so this one is
 // played, on a connection that leads nowhere.
-#include "testbed/chromium/launch.h"
-#include "testbed/chromium/page_session.h"
 #include "tests/unit/chromium/chromium_test.h"
 
 namespace chromium_test {
@@ -118,21 +116,11 @@ TEST_F(LateAnswers, AreToldAsTheyAreWhenTheSecondHalfDoesNotCome) {
 
 TEST_F(LateAnswers, AreGivenUpWhenChromiumHasAnsweredAQuestionMeanwhile) {
     const ProfileFolder folder;
-    DWORD error = ERROR_SUCCESS;
-    const auto connection = Connection::Start(NativeFolder(folder.Path(), error), error);
-    ASSERT_NE(connection, nullptr) << error;
-    std::string target;
-    std::string session;
-    connection->Send("Target.createTarget", {{"url", "about:blank"}}, {}, [&](const Json* created) {
-        target = created->at("targetId");
-        connection->Send("Target.attachToTarget", {{"targetId", target}, {"flatten", true}}, {},
-                         [&](const Json* attached) { session = attached->at("sessionId"); });
-    });
-    ASSERT_TRUE(PumpUntil([&] { return !session.empty(); }));
-    session_ = std::make_shared<PageSession>(connection, PageSession::Address{session, kMainFrame, ""},
-                                             std::make_shared<AllowedCertificates>());
+    const auto connection = StartChromium(folder);
+    ASSERT_TRUE(connection);
+    session_ = OpenBarePage(connection, kMainFrame);
+    ASSERT_TRUE(session_);
     session_->SetClient(client_);
-    connection->Attach(session, session_);
     Start("http://host.test/");
     Answer();
     Load();

@@ -301,5 +301,21 @@ TEST_F(ResponsesTest, AreToldWithoutTheirOtherHalfOnceItIsGivenUp) {
     EXPECT_NE(responses_.Late(), late);
 }
 
+TEST_F(ResponsesTest, ThatAreGivenUpKeepTheirRequestAndLeaveTheNextOneItsOwn) {
+    Told navigation = Request("one", "Document");
+    navigation.Request("http://host.test/1");
+    navigation.Sent("first");
+    navigation.Redirect("http://host.test/2", 302);
+    const auto given = responses_.GiveUp(responses_.Late().value_or(0));
+    ASSERT_EQ(given.size(), 1U);
+    EXPECT_EQ(given[0].requestHeaders, (Headers{{"X-Sent", "first"}}));
+    navigation.Sent("second");
+    navigation.Answer(200);
+    const auto last = navigation.WireAnswer(200, "second");
+    ASSERT_EQ(last.size(), 1U);
+    EXPECT_EQ(last[0].requestHeaders, (Headers{{"X-Sent", "second"}}));
+    EXPECT_EQ(last[0].headers, (Headers{{"X-Wire", "second"}}));
+}
+
 } // namespace
 } // namespace testbed::chromium

@@ -28,6 +28,7 @@ class Scripts : public ChromiumTest {
 
     /// Answers the message boxes of a title with a button, and counts them.
     void AnswerBoxes(const std::string& title, WPARAM button) {
+        answered_ = nullptr;
         ticks_ = std::make_unique<Ticks>([this, title, button] {
             if (const HWND box = FindBox(title); box != nullptr) {
                 boxes_ += box == std::exchange(answered_, box) ? 0 : 1;
@@ -114,6 +115,20 @@ TEST_F(Scripts, OpenMessageBoxes) {
     EXPECT_TRUE(Visit(*page_, client_, url).success);
     EXPECT_EQ(boxes_, 2);
     EXPECT_EQ(Evaluate(*page_, "window.answered"), "true");
+}
+
+TEST_F(Scripts, MayAskBeforeTheirPageIsLeft) {
+    site_.Add("/asking", "<script>onbeforeunload = (event) => event.preventDefault()</script>");
+    for (const auto& [answer, left] : {std::pair{IDCANCEL, false}, {IDOK, true}}) {
+        page_ = CreatePage(*browser_, client_);
+        ASSERT_TRUE(Visit(*page_, client_, site_.Url("/asking")).success);
+        Evaluate(*page_, "'a gesture'");
+        boxes_ = 0;
+        AnswerBoxes(site_.Url("/asking"), static_cast<WPARAM>(answer));
+        EXPECT_EQ(Visit(*page_, client_, site_.Url("/other")).success, left);
+        EXPECT_EQ(boxes_, 1);
+        ticks_.reset();
+    }
 }
 
 TEST_F(Scripts, LoseTheirMessageBoxWithTheirPage) {
