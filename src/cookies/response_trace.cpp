@@ -53,7 +53,7 @@ void ForEachHeader(const HeaderIterator& iterator, const Visit& visit) {
     }
 }
 
-void TraceHeaders(const std::wstring& title, const HeaderIterator& iterator, bool trace) {
+void TraceHeaders(const wchar_t* title, const HeaderIterator& iterator, bool trace) {
     if (!trace) {
         ForEachHeader(iterator, [](const wchar_t*, const wchar_t*) {});
         return;

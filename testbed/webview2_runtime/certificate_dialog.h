@@ -10,7 +10,7 @@ namespace webview2_runtime {
 
 /// Waits for the answer in a message loop.
 ///
-/// @param owner may be null.
+/// @param owner a child stands for its top-level window; may be null.
 /// @param certificates at least one.
 /// @return whether the first one is to be sent.
 bool ShowCertificateDialog(HWND owner, const Origin& server,

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "com_text.h"
 
@@ -28,8 +29,14 @@ class HeaderIterator : public ComObject<webview2::NotImplemented<ICoreWebView2Ht
                 return E_INVALIDARG;
             }
             const Header& header = headers_->at(position_);
-            const HRESULT result = CopyOut(ToUtf16(header.name), name);
-            return FAILED(result) ? result : CopyOut(ToUtf16(header.value), value);
+            HRESULT result = CopyOut(ToUtf16(header.name), name);
+            if (SUCCEEDED(result)) {
+                result = CopyOut(ToUtf16(header.value), value);
+            }
+            if (FAILED(result)) {
+                CoTaskMemFree(std::exchange(*name, nullptr));
+            }
+            return result;
         });
     }
 

@@ -30,7 +30,7 @@ class WebView : public WebViewBase, private testbed::chromium::PageClient {
     /// Takes the page over and prepares it; what was called before answers `ClosedError`.
     void Open(std::unique_ptr<testbed::chromium::Page> page);
 
-    /// The window that the web view is in; boxes of the runtime's own belong to its top-level window.
+    /// The window that the web view is in. Boxes of the runtime's own belong to its top-level window, as the system finds it.
     HWND ParentWindow() const { return parentWindow_; }
     void SetParentWindow(HWND parentWindow) { parentWindow_ = parentWindow; }
 
@@ -112,7 +112,7 @@ class WebView : public WebViewBase, private testbed::chromium::PageClient {
 
     /// Asks the host, and where that leaves it open, a person.
     ///
-    /// @return false if the request is not to be shown: it has been aborted, or the web view closed.
+    /// @return false if the request has been aborted, or the web view closed.
     bool SettleClientCertificate(const testbed::chromium::Request& request, const Origin& server);
 
     template <typename Handler>

@@ -72,14 +72,14 @@ bool WebView::SettleClientCertificate(const Request& request, const Origin& serv
     std::optional<std::wstring> subject;
     if (!arguments->Handled()) {
         const auto& all = certificates->All();
-        if (!all.empty() && ShowCertificateDialog(GetAncestor(parentWindow_, GA_ROOT), server, all)) {
+        if (!all.empty() && ShowCertificateDialog(parentWindow_, server, all)) {
             subject = all.front()->Subject();
         }
     } else if (arguments->Selected()) {
         subject = arguments->Selected()->Subject();
     }
     clientCertificates_.Decide(server, subject);
-    return !IsClosed();
+    return true;
 }
 
 } // namespace webview2_runtime
