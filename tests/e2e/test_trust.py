@@ -50,6 +50,7 @@ class CertificateCase(DownloadCase):
         person.close()
         self.assert_not_logged_in(viewer)
         self.assertEqual(self.decisions(viewer), [REFUSED.format(status)])
+        self.assertNotIn("https", [request["scheme"] for request in self.server.requests()])
 
 
 class GoodCertificate(CertificateCase):

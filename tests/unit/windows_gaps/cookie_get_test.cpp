@@ -62,9 +62,11 @@ TEST_F(GetCookieEx2, GivesBackAllThatWasWritten) {
     const FILETIME expires = SecondsFromNow(3600);
     constexpr DWORD kFlags =
         INTERNET_COOKIE_IS_SECURE | INTERNET_COOKIE_HTTPONLY | INTERNET_COOKIE_SAME_SITE_STRICT;
-    Write(Url(), {L"session", L"a b\"c,d", L"." + std::wstring(Host().begin(), Host().end()), L"/", kFlags,
-                  expires});
-    Write(Url(), {L"empty", L"", std::nullopt, std::nullopt, INTERNET_COOKIE_SAME_SITE_LAX});
+    EXPECT_EQ(Write(Url(), {L"session", L"a b\"c,d", L"." + std::wstring(Host().begin(), Host().end()), L"/",
+                            kFlags, expires}),
+              kAccepted);
+    EXPECT_EQ(Write(Url(), {L"empty", L"", std::nullopt, std::nullopt, INTERNET_COOKIE_SAME_SITE_LAX}),
+              kAccepted);
 
     EXPECT_THAT(Read(Url()), testing::UnorderedElementsAre("session=a b\"c,d, ." + Host() +
                                                                ", /, 0x00102001" + Until(expires),
