@@ -28,6 +28,17 @@ class MessageBoxes {
     /// How many there were.
     int Count() const { return count_; }
 
+    /// This process's box of that title, or null. Others may be on the same display.
+    static HWND Find(const std::wstring& title) {
+        HWND box = nullptr;
+        DWORD process = 0;
+        do {
+            box = FindWindowExW(nullptr, box, MAKEINTRESOURCEW(32770), title.c_str());
+            GetWindowThreadProcessId(box, &process);
+        } while (box != nullptr && process != GetCurrentProcessId());
+        return box;
+    }
+
     /// What a box says.
     static std::wstring TextOf(HWND box) {
         std::wstring all;
@@ -47,7 +58,7 @@ class MessageBoxes {
 
   private:
     void OnTimer() {
-        const HWND box = FindWindowW(MAKEINTRESOURCEW(32770), title_.c_str());
+        const HWND box = Find(title_);
         if (box == nullptr) {
             return;
         }
