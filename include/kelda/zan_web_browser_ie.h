@@ -7,7 +7,8 @@
 
 namespace kelda {
 
-/// See `ZanWebBrowser`. This version shows no page and touches no COM yet: each call only leaves a line in the trace.
+/// See `ZanWebBrowser`. `Create` sets the User-Agent of the process: what urlmon sends changes with it for good. There is one
+/// of these browsers at a time that gets the editing keys: the one that was created last, until any of them goes.
 class KELDA_API ZanWebBrowserIE : public ZanWebBrowser {
   public:
     ZanWebBrowserIE(const du::Symbol& serverUrl, int checkMode);

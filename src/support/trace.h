@@ -11,6 +11,7 @@ class ComponentTrace {
     explicit constexpr ComponentTrace(const char* component) : component_(component) {}
 
     dp::TraceFormatter Info() const { return Line(dp::TraceType::Information); }
+    dp::TraceFormatter Warning() const { return Line(dp::TraceType::Warning); }
     dp::TraceFormatter Failure() const { return Line(dp::TraceType::Failure); }
 
   private:

@@ -10,8 +10,8 @@ from pathlib import Path
 LIBRARY = Path(os.environ["KELDA_BIN_DIR"], "kelda.dll")
 OBJDUMP = os.environ["KELDA_OBJDUMP"]
 CXXFILT = OBJDUMP.replace("objdump", "c++filt")
-SYSTEM_MODULES = {"advapi32.dll", "credui.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "urlmon.dll", "user32.dll",
-                  "wininet.dll"}
+SYSTEM_MODULES = {"advapi32.dll", "credui.dll", "gdi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll",
+                  "oleaut32.dll", "urlmon.dll", "user32.dll", "wininet.dll"}
 BACKENDS = ("ZanWebBrowserEdge", "ZanWebBrowserIE")
 BROWSERS = ("ZanWebBrowser", *BACKENDS)
 HOST_MODULES = {"host_utility.dll", "host_toolkit.dll"}

@@ -15,6 +15,7 @@ namespace dp {
 /// The kind of a trace line, as a number in the trace.
 enum class TraceType : int {
     Information = 0,
+    Warning = 2,
     Failure = 3,
 };
 

@@ -10,7 +10,7 @@ namespace test_support {
 
 class FakeController final : public FakeRuntimeObject<ICoreWebView2Controller4> {
   public:
-    FakeController(RuntimeScript& script, FakeWebViewState& state, std::string name)
+    FakeController(CallScript& script, FakeWebViewState& state, std::string name)
         : FakeRuntimeObject(script, std::move(name)), state_(state) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {

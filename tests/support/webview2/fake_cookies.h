@@ -29,7 +29,7 @@ struct CookieContent {
 /// A getter that fails gives nothing. What is put is recorded, not kept.
 class FakeCookie final : public FakeRuntimeObject<ICoreWebView2Cookie> {
   public:
-    FakeCookie(RuntimeScript& script, CookieContent content, std::string name = "cookie")
+    FakeCookie(CallScript& script, CookieContent content, std::string name = "cookie")
         : FakeRuntimeObject(script, std::move(name)), content_(std::move(content)) {}
 
     HRESULT STDMETHODCALLTYPE get_Name(LPWSTR* name) override {
@@ -93,7 +93,7 @@ class FakeCookie final : public FakeRuntimeObject<ICoreWebView2Cookie> {
 /// Its cookies are called "cookie0" and so on. An entry without content is one that cannot be had.
 class FakeCookieList final : public FakeRuntimeObject<ICoreWebView2CookieList> {
   public:
-    FakeCookieList(RuntimeScript& script, std::vector<std::optional<CookieContent>> cookies)
+    FakeCookieList(CallScript& script, std::vector<std::optional<CookieContent>> cookies)
         : FakeRuntimeObject(script, "list"), cookies_(std::move(cookies)) {}
 
     HRESULT STDMETHODCALLTYPE get_Count(UINT32* count) override {
@@ -123,7 +123,7 @@ using CookiesAsked = std::vector<Microsoft::WRL::ComPtr<ICoreWebView2GetCookiesC
 
 class FakeCookieManager final : public FakeRuntimeObject<ICoreWebView2CookieManager> {
   public:
-    FakeCookieManager(RuntimeScript& script, CookiesAsked& asked, std::string name = "cookieManager")
+    FakeCookieManager(CallScript& script, CookiesAsked& asked, std::string name = "cookieManager")
         : FakeRuntimeObject(script, std::move(name)), asked_(asked) {}
 
     HRESULT STDMETHODCALLTYPE CreateCookie(LPCWSTR name, LPCWSTR value, LPCWSTR domain, LPCWSTR path,

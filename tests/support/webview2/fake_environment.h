@@ -29,7 +29,7 @@ using ControllerCreated = Microsoft::WRL::ComPtr<ICoreWebView2CreateCoreWebView2
 class FakeEnvironment final : public FakeRuntimeObject<ICoreWebView2Environment10> {
   public:
     /// @param controllerCreated  Gets the completion of the request for a controller.
-    FakeEnvironment(RuntimeScript& script, ControllerCreated& controllerCreated, std::string name)
+    FakeEnvironment(CallScript& script, ControllerCreated& controllerCreated, std::string name)
         : FakeRuntimeObject(script, std::move(name)), controllerCreated_(controllerCreated) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {

@@ -14,7 +14,7 @@ namespace test_support {
 
 class FakeNavigationStartingArgs final : public FakeRuntimeObject<ICoreWebView2NavigationStartingEventArgs> {
   public:
-    FakeNavigationStartingArgs(RuntimeScript& script, std::wstring uri)
+    FakeNavigationStartingArgs(CallScript& script, std::wstring uri)
         : FakeRuntimeObject(script, "args"), uri_(std::move(uri)) {}
 
     HRESULT STDMETHODCALLTYPE get_Uri(LPWSTR* uri) override {
@@ -33,7 +33,7 @@ class FakeNavigationStartingArgs final : public FakeRuntimeObject<ICoreWebView2N
 class FakeNavigationCompletedArgs final
     : public FakeRuntimeObject<ICoreWebView2NavigationCompletedEventArgs> {
   public:
-    explicit FakeNavigationCompletedArgs(RuntimeScript& script, bool success = true)
+    explicit FakeNavigationCompletedArgs(CallScript& script, bool success = true)
         : FakeRuntimeObject(script, "args"), success_(success) {}
 
     HRESULT STDMETHODCALLTYPE get_IsSuccess(BOOL* success) override {
@@ -67,7 +67,7 @@ class FakeRequested final : public FakeRuntimeObject<ICoreWebView2WebResourceReq
 class FakeWebResourceRequestedArgs final
     : public FakeRuntimeObject<ICoreWebView2WebResourceRequestedEventArgs> {
   public:
-    explicit FakeWebResourceRequestedArgs(RuntimeScript& script) : FakeRuntimeObject(script, "args") {}
+    explicit FakeWebResourceRequestedArgs(CallScript& script) : FakeRuntimeObject(script, "args") {}
 
     HRESULT STDMETHODCALLTYPE get_ResourceContext(COREWEBVIEW2_WEB_RESOURCE_CONTEXT* context) override {
         *context = COREWEBVIEW2_WEB_RESOURCE_CONTEXT_IMAGE;
@@ -82,7 +82,7 @@ class FakeWebResourceRequestedArgs final
 class FakeServerCertificateArgs final
     : public FakeRuntimeObject<ICoreWebView2ServerCertificateErrorDetectedEventArgs> {
   public:
-    FakeServerCertificateArgs(RuntimeScript& script, COREWEBVIEW2_WEB_ERROR_STATUS status)
+    FakeServerCertificateArgs(CallScript& script, COREWEBVIEW2_WEB_ERROR_STATUS status)
         : FakeRuntimeObject(script, "args"), status_(status) {}
 
     HRESULT STDMETHODCALLTYPE get_ErrorStatus(COREWEBVIEW2_WEB_ERROR_STATUS* status) override {
@@ -107,7 +107,7 @@ class FakeClientCertificate final : public FakeRuntimeObject<ICoreWebView2Client
 
 class FakeClientCertificates final : public FakeRuntimeObject<ICoreWebView2ClientCertificateCollection> {
   public:
-    FakeClientCertificates(RuntimeScript& script, UINT32 count)
+    FakeClientCertificates(CallScript& script, UINT32 count)
         : FakeRuntimeObject(script, "certificates"), count_(count) {}
 
     HRESULT STDMETHODCALLTYPE get_Count(UINT32* count) override {
@@ -131,7 +131,7 @@ class FakeClientCertificates final : public FakeRuntimeObject<ICoreWebView2Clien
 class FakeClientCertificateArgs final
     : public FakeRuntimeObject<ICoreWebView2ClientCertificateRequestedEventArgs> {
   public:
-    FakeClientCertificateArgs(RuntimeScript& script, UINT32 count)
+    FakeClientCertificateArgs(CallScript& script, UINT32 count)
         : FakeRuntimeObject(script, "args"), count_(count) {}
 
     HRESULT STDMETHODCALLTYPE
@@ -154,7 +154,7 @@ class FakeClientCertificateArgs final
 class FakeBasicAuthenticationArgs final
     : public FakeRuntimeObject<ICoreWebView2BasicAuthenticationRequestedEventArgs> {
   public:
-    explicit FakeBasicAuthenticationArgs(RuntimeScript& script) : FakeRuntimeObject(script, "args") {}
+    explicit FakeBasicAuthenticationArgs(CallScript& script) : FakeRuntimeObject(script, "args") {}
 };
 
 } // namespace test_support

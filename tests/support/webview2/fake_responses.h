@@ -29,7 +29,7 @@ struct ExchangeContent {
 /// The number of a header is the argument of the calls that get it or move to it.
 class FakeHeaderIterator final : public FakeRuntimeObject<ICoreWebView2HttpHeadersCollectionIterator> {
   public:
-    FakeHeaderIterator(RuntimeScript& script, std::string name, HeaderFields headers)
+    FakeHeaderIterator(CallScript& script, std::string name, HeaderFields headers)
         : FakeRuntimeObject(script, std::move(name)), headers_(std::move(headers)) {}
 
     HRESULT STDMETHODCALLTYPE get_HasCurrentHeader(BOOL* hasCurrent) override {
@@ -60,7 +60,7 @@ class FakeHeaderIterator final : public FakeRuntimeObject<ICoreWebView2HttpHeade
 template <typename Collection>
 class FakeHeaders final : public FakeRuntimeObject<Collection> {
   public:
-    FakeHeaders(RuntimeScript& script, std::string name, HeaderFields headers)
+    FakeHeaders(CallScript& script, std::string name, HeaderFields headers)
         : FakeRuntimeObject<Collection>(script, std::move(name)), headers_(std::move(headers)) {}
 
     HRESULT STDMETHODCALLTYPE GetIterator(ICoreWebView2HttpHeadersCollectionIterator** iterator) override {
@@ -76,7 +76,7 @@ class FakeHeaders final : public FakeRuntimeObject<Collection> {
 
 class FakeAnsweredRequest final : public FakeRuntimeObject<ICoreWebView2WebResourceRequest> {
   public:
-    FakeAnsweredRequest(RuntimeScript& script, ExchangeContent content)
+    FakeAnsweredRequest(CallScript& script, ExchangeContent content)
         : FakeRuntimeObject(script, "request"), content_(std::move(content)) {}
 
     HRESULT STDMETHODCALLTYPE get_Uri(LPWSTR* uri) override { return GiveText("get_Uri", content_.uri, uri); }
@@ -105,7 +105,7 @@ class FakeAnsweredRequest final : public FakeRuntimeObject<ICoreWebView2WebResou
 
 class FakeResponseView final : public FakeRuntimeObject<ICoreWebView2WebResourceResponseView> {
   public:
-    FakeResponseView(RuntimeScript& script, ExchangeContent content)
+    FakeResponseView(CallScript& script, ExchangeContent content)
         : FakeRuntimeObject(script, "response"), content_(std::move(content)) {}
 
     HRESULT STDMETHODCALLTYPE get_StatusCode(int* status) override {
@@ -132,7 +132,7 @@ class FakeResponseView final : public FakeRuntimeObject<ICoreWebView2WebResource
 class FakeResponseReceivedArgs final
     : public FakeRuntimeObject<ICoreWebView2WebResourceResponseReceivedEventArgs> {
   public:
-    FakeResponseReceivedArgs(RuntimeScript& script, ExchangeContent content)
+    FakeResponseReceivedArgs(CallScript& script, ExchangeContent content)
         : FakeRuntimeObject(script, "args"), content_(std::move(content)) {}
 
     HRESULT STDMETHODCALLTYPE get_Request(ICoreWebView2WebResourceRequest** request) override {

@@ -8,9 +8,9 @@
 
 #include <wrl/client.h>
 
+#include "tests/support/call_script.h"
 #include "tests/support/webview2/fake_controller.h"
 #include "tests/support/webview2/fake_environment.h"
-#include "tests/support/webview2/runtime_script.h"
 
 namespace test_support {
 
@@ -22,7 +22,7 @@ class FakeRuntime {
     FakeRuntime(const FakeRuntime&) = delete;
     FakeRuntime& operator=(const FakeRuntime&) = delete;
 
-    RuntimeScript script;
+    CallScript script;
 
     /// The version that the loader answers; empty: none is given.
     std::wstring version = L"146.0.3856.49";

@@ -7,8 +7,8 @@
 
 #include <windows.h>
 
+#include "tests/support/call_script.h"
 #include "tests/support/fake_object.h"
-#include "tests/support/webview2/runtime_script.h"
 #include "webview2_not_implemented.h"
 
 namespace test_support {
@@ -25,7 +25,7 @@ struct View {
 template <typename Interface>
 class FakeRuntimeObject : public CountedFake<webview2::NotImplemented<Interface>> {
   public:
-    FakeRuntimeObject(RuntimeScript& script, std::string name)
+    FakeRuntimeObject(CallScript& script, std::string name)
         : CountedFake<webview2::NotImplemented<Interface>>(std::move(name)), script_(script) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
@@ -39,7 +39,7 @@ class FakeRuntimeObject : public CountedFake<webview2::NotImplemented<Interface>
     }
 
   protected:
-    RuntimeScript& Script() const { return script_; }
+    CallScript& Script() const { return script_; }
 
     /// The scripted answer to a call of this object, recorded.
     HRESULT Called(const std::string& method, const std::string& arguments = {}) const {
@@ -73,7 +73,7 @@ class FakeRuntimeObject : public CountedFake<webview2::NotImplemented<Interface>
     }
 
   private:
-    RuntimeScript& script_;
+    CallScript& script_;
 };
 
 } // namespace test_support

@@ -69,7 +69,7 @@ class FakeSettings final : public FakeRuntimeObject<ICoreWebView2Settings3> {
 
 class FakeWebView final : public FakeRuntimeObject<ICoreWebView2_15> {
   public:
-    FakeWebView(RuntimeScript& script, FakeWebViewState& state, std::string name)
+    FakeWebView(CallScript& script, FakeWebViewState& state, std::string name)
         : FakeRuntimeObject(script, std::move(name)), state_(state) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {

@@ -33,7 +33,7 @@ class CookieCopy : public test_support::TranscriptTest {
     CookieCopy() : TranscriptTest("ZanWebBrowserEdge") {}
 
     test_support::FakeWinInetStore store;
-    test_support::RuntimeScript script;
+    test_support::CallScript script;
     test_support::CookiesAsked asked;
 };
 

@@ -43,7 +43,7 @@ class RuntimeCookie : public test_support::TranscriptTest {
             decltype(free)::Original(block);
         }};
 
-    test_support::RuntimeScript script;
+    test_support::CallScript script;
     test_support::CookiesAsked asked;
 };
 

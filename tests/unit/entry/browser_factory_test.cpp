@@ -9,6 +9,7 @@
 #include "du/string_utilities.h"
 #include "kelda/kelda.h"
 #include "support/target_address.h"
+#include "tests/support/ole/fake_control.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/scoped_variable.h"
 #include "tests/support/transcript.h"
@@ -38,7 +39,7 @@ class BrowserFactory : public test_support::TranscriptTest {
 
     ScopedVariable implementation{L"MERIDO_ZANWEBBROWSER_IMPLEMENTATION", nullptr};
     ScopedVariable browserFolder{L"MERIDO_WEBVIEW2_BROWSER_EXECUTABLE_FOLDER", nullptr};
-    // Each WebView2 browser ends COM when it goes; here none has begun it.
+    // Each browser ends COM when it goes; here none has begun it.
     test_support::ReplacedImport<struct Uninitialize, decltype(CoUninitialize)> coUninitialize{
         "ole32.dll", "CoUninitialize", [] {}};
     test_support::FakeRuntime runtime;
@@ -83,22 +84,19 @@ TEST_F(BrowserFactory, ARuntimeWhoseVersionCannotBeReadCountsAsNone) {
     }
 }
 
-TEST_F(BrowserFactory, TheLegacyBrowserSaysThatItIsNotThereAndNamesItsAddress) {
+TEST_F(BrowserFactory, TheLegacyBrowserIsOneOfTheServerAndTheMode) {
     const ScopedVariable variable(L"MERIDO_ZANWEBBROWSER_IMPLEMENTATION", L"ie");
-    const auto browser = ZanWebBrowser::Factory("http://server", 1);
-    browser->InitializeCom();
-    browser->Create(nullptr, nullptr);
-    browser->Resize();
-    EXPECT_EQ(browser->GetWindowHandle(), nullptr);
-    browser->Destroy();
-    Lines expected;
-    for (const char* call : {"InitializeCom", "Create", "Resize", "GetWindowHandle", "Destroy"}) {
-        expected.push_back(std::string("[0] ") + call +
-                           ": this version has no legacy browser to show "
-                           "http://serverARPublish/veltauth/check_authenticated_access.txt "
-                           "(kelda/ZanWebBrowserIE)");
+    const ScopedVariable userAgent(L"MERIDO_ZANWEBBROWSER_USER_AGENT", L"default");
+    test_support::FakeControl control;
+    control.script.recordsCalls = false;
+    for (const auto& [mode, address] :
+         {std::pair{0, "http://server/qxcore/jsp/qvs/vislogon.jsp"},
+          std::pair{1, "http://serverARPublish/veltauth/check_authenticated_access.txt"}}) {
+        const auto browser = ZanWebBrowser::Factory("http://server", mode);
+        browser->Create(nullptr, nullptr);
+        EXPECT_EQ(control.address, address);
+        browser->Destroy();
     }
-    EXPECT_EQ(TakeTranscript(), expected);
 }
 
 TEST(TargetAddress, OfTheLoginPageHasASlashOfItsOwn) {

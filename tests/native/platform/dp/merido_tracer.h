@@ -5,7 +5,7 @@
 
 namespace dp {
 
-enum class TraceType : int { Information = 0, Failure = 3 };
+enum class TraceType : int { Information = 0, Warning = 2, Failure = 3 };
 
 class TraceFormatter {
   public:

@@ -1,4 +1,4 @@
-// What the fakes of the WebView2 runtime answer, and what happens meanwhile.
+// What the fakes of one system answer, and what happens meanwhile.
 #pragma once
 
 #include <functional>
@@ -9,9 +9,9 @@
 
 namespace test_support {
 
-/// Shared by all fakes of one runtime. A call is named "object.Method", or "object.Method argument" where it takes one
+/// Shared by all fakes of one system. A call is named "object.Method", or "object.Method argument" where it takes one
 /// that tells it apart.
-class RuntimeScript {
+class CallScript {
   public:
     /// Records the call with its arguments, lets happen what is to happen in it, and gives its answer.
     HRESULT Call(const std::string& name, const std::string& arguments = {}) const;
@@ -19,7 +19,7 @@ class RuntimeScript {
     /// Answers other than S_OK.
     std::map<std::string, HRESULT> answers;
 
-    /// What happens inside a call, as when the runtime pumps messages there.
+    /// What happens inside a call, as when the system pumps messages there.
     std::map<std::string, std::function<void()>> during;
 
     /// Switched off where a test is not about single calls.

@@ -1,5 +1,5 @@
 // Answers of the fakes.
-#include "tests/support/webview2/runtime_script.h"
+#include "tests/support/call_script.h"
 
 #include "du/string_utilities.h"
 #include "tests/support/transcript.h"
@@ -19,7 +19,7 @@ const Value* Find(const std::map<std::string, Value>& values, const std::string&
 
 } // namespace
 
-HRESULT RuntimeScript::Call(const std::string& name, const std::string& arguments) const {
+HRESULT CallScript::Call(const std::string& name, const std::string& arguments) const {
     const std::string entry = arguments.empty() ? name : name + " " + arguments;
     if (recordsCalls) {
         Record(entry);
