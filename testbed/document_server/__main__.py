@@ -87,9 +87,11 @@ def command_line() -> argparse.ArgumentParser:
                              "reports without any input; redirects goes over two redirects with a cookie each "
                              "and does not report; asks is a form behind Basic authentication; popup, dialog and "
                              "worker are a form that opens a window, shows an alert or starts a service worker; "
-                             "framed has the form in a frame of another site; odd is a form that fetches odd answers; unanswered is a form that is not "
-                             "answered when it is posted; broken closes the connection without an answer; "
-                             "refused-status answers 500; stalled does not answer for a minute")
+                             "faulty and links are a form with a script that fails or with links that are "
+                             "scripts; framed has the form in a frame of another site; odd is a form that "
+                             "fetches odd answers; unanswered is a form that is not answered when it is "
+                             "posted; broken closes the connection without an answer; refused-status answers "
+                             "500; stalled does not answer for a minute")
     parser.add_argument("--back-ends", type=back_end_count, metavar="N",
                         help="put a load balancer with so many back-ends before the server, each with "
                              "sessions of its own; without this there is none")

@@ -7,8 +7,8 @@ from .credentials import basic_challenge
 from .exchange import Exchange
 from .framed_login import framed_login
 from .hostile import LONGEST_WAIT_SECONDS, drop, stay_silent
-from .login import (CHALLENGE_PAGE_COLOUR, NEW_WINDOW_COLOUR, answer_page, form_has_credentials, show_done,
-                    show_form)
+from .login import (CHALLENGE_PAGE_COLOUR, LINK_COLOUR, NEW_WINDOW_COLOUR, answer_page, form_has_credentials,
+                    show_done, show_form)
 from .redirected_login import redirected_login
 from .session_cookie import admits_session, open_session
 from .worker_login import REGISTRATION
@@ -24,6 +24,16 @@ FETCH_ODD_ANSWERS = """addEventListener("load", async () => {
   }
 });
 """
+# Two bands at the foot of the page, 40 pixels each. The upper one is a link without an action, and would hide the heading
+# if it had one; the lower one colours the page.
+SHOW_LINKS = f"""document.body.insertAdjacentHTML("beforeend", `<style>
+nav a {{ position: fixed; left: 0; right: 0; height: 40px; background: white }}
+</style><nav>
+<a style="bottom: 80px" href="javascript:void(0);document.querySelector('h1').remove()">Nothing</a>
+<a style="bottom: 40px" href="javascript:void(document.body.style.background='{LINK_COLOUR}')">Colour</a>
+</nav>`);
+"""
+SHOW_FAULT = "documentServer.noSuchFunction();\n"
 SHOW_DIALOG = 'addEventListener("load", () => alert("Welcome"));\n'
 
 
@@ -85,7 +95,9 @@ LOGIN_PAGES: dict[str, Callable[[Exchange], None]] = {
     "asks": _challenged,
     "popup": partial(_form, welcome=OPEN_WINDOW),
     "dialog": partial(_form, welcome=SHOW_DIALOG),
+    "faulty": partial(_form, welcome=SHOW_FAULT),
     "framed": framed_login,
+    "links": partial(_form, welcome=SHOW_LINKS),
     "odd": partial(_form, welcome=FETCH_ODD_ANSWERS),
     "worker": partial(_form, welcome=REGISTRATION),
     "broken": drop,

@@ -13,6 +13,7 @@
 #include "kelda/kelda.h"
 #include "options.h"
 #include "outcome.h"
+#include "testbed/legacy_control/legacy_control.h"
 #include "testbed/windows_gaps/windows_gaps.h"
 
 namespace viewer {
@@ -119,6 +120,7 @@ int Run(const Options& options) {
     }
     // Only where Windows is not the real one: does nothing elsewhere, and no host has to call it.
     SupplyWindowsGaps(GetModuleHandleW(L"kelda.dll"));
+    SupplyLegacyControl();
 
     const OutcomeListener listener;
     const int loggedIn = LogIn(options);

@@ -94,4 +94,5 @@ class Trace(ViewerCase):
 class Program(ViewerCase):
     def test_needs_no_module_beside_it_but_the_projects_own(self) -> None:
         self.assertEqual({path.name for path in BIN_DIR.glob("*.dll")},
-                         {"kelda.dll", "host_utility.dll", "host_toolkit.dll", "windows_gaps.dll", "WebView2Loader.dll"})
+                         {"kelda.dll", "host_utility.dll", "host_toolkit.dll", "legacy_control.dll", "windows_gaps.dll",
+                          "WebView2Loader.dll"})
