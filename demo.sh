@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Shows the main job: a host program authenticates through kelda.dll against a real HTTP server and then downloads a
-# document that only authenticated requests get; once by the credential prompt, once by the server's web login form in the
-# login dialog. The person at both is played with real key presses.
+# document that only authenticated requests get: by the credential prompt, and by the server's web login form in the login
+# dialog, with WebView2 in it and with the legacy browser. The person at all of them is played with real key presses.
 set -u
 cd "$(dirname "$0")" || exit 1
 # shellcheck source=tools/common.sh
@@ -70,6 +70,7 @@ play_person_at_prompt() {
     xdotool key Return
 }
 
+# play_person_at_dialog PICTURE
 play_person_at_dialog() {
     await_focus "$DIALOG_PROMPT: $server"
     wait_until 30 shows_login_page || fail "the login page did not appear; see build/logs/viewer.log"
@@ -77,7 +78,7 @@ play_person_at_dialog() {
     xdotool type --delay 30 "$USER_NAME"
     xdotool key Tab
     xdotool type --delay 30 "$PASSWORD"
-    take_picture login-dialog
+    take_picture "$1"
     xdotool key Return
 }
 
@@ -143,6 +144,11 @@ printf 'Picture of the credential prompt: %s\n' "build/demo/prompt.png"
 
 announce "$FORM_DOCUMENT" 'The server has a web login form, and a person types into it in the login dialog ...'
 start_viewer login --get "$FORM_DOCUMENT"
-play_person_at_dialog
+play_person_at_dialog login-dialog
 finish_viewer login
-printf 'Picture of the login dialog: %s\n' "build/demo/login-dialog.png"
+
+announce "$FORM_DOCUMENT" 'The same login once more, as if there were no WebView2: in the legacy browser ...'
+MERIDO_ZANWEBBROWSER_IMPLEMENTATION=ie start_viewer legacy-login --get "$FORM_DOCUMENT"
+play_person_at_dialog legacy-login-dialog
+finish_viewer legacy-login
+printf 'Pictures of the login dialog: %s and %s\n' "build/demo/login-dialog.png" "build/demo/legacy-login-dialog.png"

@@ -98,6 +98,24 @@ class Popup(WelcomingForm):
         self.assertNotIn(b"<script", answer.body)
 
 
+class Faulty(WelcomingForm):
+
+    options = ("--login-page", "faulty")
+    welcome = b"<script>\ndocumentServer.noSuchFunction();\n</script>"
+
+    def test_the_form_has_a_script_that_fails_when_it_is_loaded_first(self) -> None:
+        self.assert_welcomes_once()
+
+
+class Links(WelcomingForm):
+
+    options = ("--login-page", "links")
+    welcome = b"href=\"javascript:void(0);document.querySelector('h1').remove()\""
+
+    def test_the_form_has_links_when_it_is_loaded_first(self) -> None:
+        self.assert_welcomes_once()
+
+
 class Dialog(WelcomingForm):
 
     options = ("--login-page", "dialog")

@@ -9,9 +9,10 @@
 //   login              AuthenticateServer; its result comes as an event
 //   owner              the owner window of the login: enabled or disabled, active or inactive
 //   get PATH           a download from the server: how many bytes, or what went wrong
-//   counts             handles, windows, GDI objects, and objects of the test runtime
+//   counts             handles, windows, GDI objects, and objects of the browser
 //   area               the child window on the screen: left, top, width, height
 //   read NAME          a variable of the environment, as the host's library reads it
+//   legacy-control     COM, and the WebBrowser control of the testbed
 //   die                ends like a crash
 //   quit
 #include <cstdio>
@@ -23,11 +24,14 @@
 
 #include <windows.h>
 
+#include <objbase.h>
+
 #include "dp/environment.h"
 #include "du/string_utilities.h"
 #include "host_reference/device.h"
 #include "host_reference/tracing.h"
 #include "kelda/kelda.h"
+#include "testbed/legacy_control/legacy_control.h"
 #include "testbed/viewer/download.h"
 #include "testbed/windows_gaps/windows_gaps.h"
 #include "tests/e2e/command_input.h"
@@ -145,15 +149,20 @@ class Host {
         return "value " + dp::Environment::Get(name.c_str());
     }
 
-    /// -1 objects where the test runtime has never been loaded.
+    static std::string UseLegacyControl() {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        return SupplyLegacyControl() ? "ok" : "no control";
+    }
+
+    /// Objects are those of the test runtime, once it has been loaded, and of the legacy control.
     static std::string Counts() {
-        int objects = -1;
+        auto objects = static_cast<int>(LegacyControlLiveObjects());
         const HMODULE runtime = GetModuleHandleW(L"WebView2Loader.dll");
         if (runtime != nullptr) {
             using Count = DWORD(STDAPICALLTYPE*)();
             const auto count = reinterpret_cast<Count>(
                 reinterpret_cast<void*>(GetProcAddress(runtime, "KeldaTestRuntimeObjectCount")));
-            objects = count != nullptr ? static_cast<int>(count()) : -1;
+            objects += count != nullptr ? static_cast<int>(count()) : 0;
         }
         return std::to_string(test_support::CountHandles()) + " " +
                std::to_string(test_support::CountWindows()) + " " +
@@ -179,6 +188,7 @@ class Host {
         {"get", [this](std::istream& words) { return Download(words); }},
         {"counts", [](std::istream&) { return Counts(); }},
         {"area", [this](std::istream&) { return Area(); }},
+        {"legacy-control", [](std::istream&) { return UseLegacyControl(); }},
         {"read", [](std::istream& words) { return Read(words); }},
     };
 };

@@ -37,6 +37,9 @@ class LoginTrace(TraceCase):
     def test_with_parse_the_session_is_reported_at_once(self) -> None:
         self.assert_trace_of_login("login-parse.txt", "parse,trace")
 
+    def test_through_the_legacy_browser_it_tells_the_user_agent(self) -> None:
+        self.assert_trace_of_login("login-legacy.txt", "ie")
+
 
 class BalancedLoginTrace(TraceCase):
     server_options = ("--back-ends", "2")
