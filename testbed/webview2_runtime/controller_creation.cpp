@@ -16,11 +16,11 @@ namespace {
 using Microsoft::WRL::ComPtr;
 using testbed::chromium::Page;
 using testbed::chromium::PageView;
-using CompletedHandler = ICoreWebView2CreateCoreWebView2ControllerCompletedHandler;
+using ControllerHandler = ICoreWebView2CreateCoreWebView2ControllerCompletedHandler;
 
 class ControllerCreation {
   public:
-    ControllerCreation(Environment& environment, HWND parent, CompletedHandler* handler)
+    ControllerCreation(Environment& environment, HWND parent, ControllerHandler* handler)
         : parent_(parent),
           environment_(&environment),
           handler_(handler),
@@ -51,7 +51,7 @@ class ControllerCreation {
 
   private:
     void Complete(HRESULT result, ICoreWebView2Controller* controller) noexcept {
-        ComPtr<CompletedHandler> handler;
+        ComPtr<ControllerHandler> handler;
         handler.Swap(handler_);
         if (handler) {
             handler->Invoke(result, controller);
@@ -60,14 +60,14 @@ class ControllerCreation {
 
     HWND parent_;
     ComPtr<Environment> environment_;
-    ComPtr<CompletedHandler> handler_; // null once it was called
+    ComPtr<ControllerHandler> handler_; // null once it was called
     ComPtr<WebView> webView_;
     ParentWatch watch_;
 };
 
 } // namespace
 
-HRESULT CreateController(Environment& environment, HWND parent, bool inPrivate, CompletedHandler* handler) {
+HRESULT CreateController(Environment& environment, HWND parent, bool inPrivate, ControllerHandler* handler) {
     if (handler == nullptr) {
         return E_POINTER;
     }

@@ -14,7 +14,7 @@ namespace {
 using Microsoft::WRL::ComPtr;
 using testbed::chromium::Page;
 using testbed::chromium::ToUtf8;
-using CompletedHandler = ICoreWebView2GetCookiesCompletedHandler;
+using CookiesHandler = ICoreWebView2GetCookiesCompletedHandler;
 
 bool IsBlankPadded(const std::string& text) {
     constexpr char kBlanks[] = " \t";
@@ -34,7 +34,7 @@ bool CanBeStored(const testbed::chromium::Cookie& cookie) {
            !HasForbiddenCharacter(cookie.value, ";");
 }
 
-void Complete(CompletedHandler* handler,
+void Complete(CookiesHandler* handler,
               std::optional<std::vector<testbed::chromium::Cookie>> cookies) noexcept {
     ComPtr<CookieList> list;
     try {
@@ -81,12 +81,12 @@ HRESULT CookieManager::CopyCookie(ICoreWebView2Cookie* cookieParam, ICoreWebView
     });
 }
 
-HRESULT CookieManager::GetCookies(LPCWSTR uri, CompletedHandler* handler) {
+HRESULT CookieManager::GetCookies(LPCWSTR uri, CookiesHandler* handler) {
     return WithPage([&](Page& page) -> HRESULT {
         if (handler == nullptr) {
             return E_POINTER;
         }
-        const auto read = [owner = ComPtr<CompletedHandler>(handler)](auto cookies) {
+        const auto read = [owner = ComPtr<CookiesHandler>(handler)](auto cookies) {
             Complete(owner.Get(), std::move(cookies));
         };
         if (uri == nullptr || *uri == L'\0') {

@@ -20,7 +20,7 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 using testbed::chromium::Browser;
-using CompletedHandler = ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler;
+using EnvironmentHandler = ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler;
 
 HRESULT CheckApartment() {
     APTTYPE type{};
@@ -42,7 +42,7 @@ bool IsInstalledBrowser(const std::wstring& folder) {
     return FindStringOrdinal(FIND_FROMSTART, text.c_str(), -1, kInstalled, -1, TRUE) >= 0;
 }
 
-void CompleteLater(ComPtr<CompletedHandler> handler, HRESULT result) {
+void CompleteLater(ComPtr<EnvironmentHandler> handler, HRESULT result) {
     testbed::chromium::CallLater(
         [handler = std::move(handler), result] { handler->Invoke(result, nullptr); });
 }
@@ -52,7 +52,7 @@ struct Plan {
     std::wstring version;
     std::wstring folder;
     LiveSettings settings;
-    ComPtr<CompletedHandler> handler;
+    ComPtr<EnvironmentHandler> handler;
 };
 
 void Finish(const Plan& plan, std::shared_ptr<Browser> browser, DWORD error) noexcept {
@@ -72,7 +72,7 @@ void Finish(const Plan& plan, std::shared_ptr<Browser> browser, DWORD error) noe
 } // namespace
 
 HRESULT CreateEnvironment(PCWSTR browserFolder, PCWSTR userDataFolder,
-                          ICoreWebView2EnvironmentOptions* options, CompletedHandler* handler) {
+                          ICoreWebView2EnvironmentOptions* options, EnvironmentHandler* handler) {
     if (handler == nullptr) {
         return E_POINTER;
     }

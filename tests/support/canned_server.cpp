@@ -42,6 +42,10 @@ CannedAnswer Answer(int status, const std::string& headers, const std::string& b
             "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body};
 }
 
+bool Asks(const std::string& request, const std::string& path) {
+    return request.starts_with("GET " + path + " ");
+}
+
 std::string HeaderOf(const std::string& request, const std::string& name) {
     const std::size_t line = request.find("\r\n" + name + ": ");
     if (line == std::string::npos) {

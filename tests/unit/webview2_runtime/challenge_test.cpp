@@ -17,7 +17,7 @@ constexpr char kChallenge[] = "Content-Type: text/html\r\nWWW-Authenticate: Basi
 /// anna:secret
 constexpr char kAccepted[] = "Basic YW5uYTpzZWNyZXQ=";
 
-CannedAnswer Site(const std::string& request) {
+CannedAnswer ChallengeSite(const std::string& request) {
     if (request.starts_with("GET /open ") || HeaderOf(request, "Authorization") == kAccepted) {
         return Answer(200, "Content-Type: text/html\r\n", "<link rel=icon href=data:,><body>welcome");
     }
@@ -52,7 +52,7 @@ class ChallengeTest : public WebViewTest {
             requests, [](const std::string& request) { return HeaderOf(request, "Authorization").empty(); }));
     }
 
-    CannedServer server{Site};
+    CannedServer server{ChallengeSite};
 };
 
 TEST_F(ChallengeTest, CredentialsOfTheHostAreSent) {

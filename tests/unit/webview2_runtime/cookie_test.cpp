@@ -12,7 +12,7 @@ using test_support::CannedAnswer;
 using test_support::CannedServer;
 using test_support::HeaderOf;
 
-CannedAnswer Site(const std::string& request) {
+CannedAnswer CookieSite(const std::string& request) {
     if (request.starts_with("GET /login ")) {
         return Answer(200,
                       "Content-Type: text/html\r\nSet-Cookie: session=1; HttpOnly\r\nSet-Cookie: deep=2; "
@@ -111,7 +111,7 @@ class CookieTest : public WebViewTest {
     }
 
     ComPtr<ICoreWebView2CookieManager> manager;
-    CannedServer server{Site};
+    CannedServer server{CookieSite};
 };
 
 TEST_F(CookieTest, WhatAServerSetsIsListedSortedWithAllItsAttributes) {

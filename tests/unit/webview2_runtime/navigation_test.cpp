@@ -8,16 +8,13 @@ namespace webview2_runtime_test {
 namespace {
 
 using test_support::Answer;
+using test_support::Asks;
 using test_support::CannedAnswer;
 using test_support::CannedServer;
 
 constexpr char kHtml[] = "Content-Type: text/html\r\n";
 
-bool Asks(const std::string& request, const std::string& path) {
-    return request.starts_with("GET " + path + " ");
-}
-
-CannedAnswer Site(const std::string& request) {
+CannedAnswer NavigationSite(const std::string& request) {
     if (Asks(request, "/missing")) {
         return Answer(404, kHtml, "missing");
     }
@@ -53,7 +50,7 @@ class NavigationTest : public WebViewTest {
         return answer;
     }
 
-    CannedServer server{Site};
+    CannedServer server{NavigationSite};
 };
 
 struct Start {
@@ -100,7 +97,7 @@ TEST_F(NavigationTest, AnErrorStatusIsAFailureThoughItsPageIsShown) {
 TEST_F(NavigationTest, AnUnreachableServerIsNamedAsTheReason) {
     std::wstring closed;
     {
-        const CannedServer gone(Site);
+        const CannedServer gone(NavigationSite);
         closed = gone.Url();
     }
     auto completion = Load(closed);

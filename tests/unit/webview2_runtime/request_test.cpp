@@ -7,15 +7,12 @@ namespace webview2_runtime_test {
 namespace {
 
 using test_support::Answer;
+using test_support::Asks;
 using test_support::CannedAnswer;
 using test_support::CannedServer;
 using test_support::HeaderOf;
 
-bool Asks(const std::string& request, const std::string& path) {
-    return request.starts_with("GET " + path + " ");
-}
-
-CannedAnswer Site(const std::string& request) {
+CannedAnswer RequestSite(const std::string& request) {
     if (Asks(request, "/moved")) {
         return Answer(302, "Location: /page\r\n", "");
     }
@@ -70,7 +67,7 @@ class RequestTest : public WebViewTest {
         return view->NavigateWithWebResourceRequest(request.Get());
     }
 
-    CannedServer server{Site};
+    CannedServer server{RequestSite};
 };
 
 TEST_F(RequestTest, EditedHeadersAreWhatTheServerGets) {

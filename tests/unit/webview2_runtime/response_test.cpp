@@ -7,6 +7,7 @@ namespace webview2_runtime_test {
 namespace {
 
 using test_support::Answer;
+using test_support::Asks;
 using test_support::CannedAnswer;
 using test_support::CannedServer;
 using test_support::HeaderOf;
@@ -14,10 +15,6 @@ using Arguments = ICoreWebView2WebResourceResponseReceivedEventArgs;
 
 constexpr int kManyCookies = 20;
 constexpr char kPage[] = "<link rel=icon href=data:,><body>page";
-
-bool Asks(const std::string& request, const std::string& path) {
-    return request.starts_with("GET " + path + " ");
-}
 
 std::string ManyCookies() {
     std::string lines;
@@ -30,7 +27,7 @@ std::string ManyCookies() {
     return lines;
 }
 
-CannedAnswer Site(const std::string& request) {
+CannedAnswer ResponseSite(const std::string& request) {
     if (Asks(request, "/first")) {
         return Answer(302, "Location: /second\r\nSet-Cookie: one=1; Path=/\r\n", "");
     }
@@ -141,7 +138,7 @@ class ResponseTest : public WebViewTest {
         return kept;
     }
 
-    CannedServer server{Site};
+    CannedServer server{ResponseSite};
 };
 
 TEST_F(ResponseTest, SaysWhatWasAskedAndWhatWasAnswered) {

@@ -16,7 +16,6 @@
 namespace windows_gaps_test {
 namespace {
 
-const Lines kNone = {"error 259"};
 constexpr DWORD kNoMemory = ERROR_NOT_ENOUGH_MEMORY;
 
 /// As a server's `Set-Cookie` would.

@@ -17,7 +17,6 @@ using namespace std::string_literals;
 namespace windows_gaps_test {
 namespace {
 
-const Lines kNone = {"error 259"};
 constexpr Written kRejected = {ERROR_SUCCESS, COOKIE_STATE_REJECT};
 constexpr Written kNotPermitted = {ERROR_INVALID_OPERATION, COOKIE_STATE_REJECT};
 
