@@ -127,8 +127,7 @@ announce() {
 begin
 install_packages "${COMMON_PACKAGES[@]}" chromium
 build_targets viewer webview2_runtime
-start_display
-prepare_wine_prefix
+start_desktop 1
 
 rm -rf "$DEMO_DIR"
 mkdir -p "$DEMO_DIR"

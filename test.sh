@@ -1,29 +1,29 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, runs the linters and all tests. The last line reads "N passed, N failed".
+# Installs what is missing, builds, and runs all tests. The last line reads "N passed, N failed".
+#
+#   ./test.sh [TEST...]    builds and runs only these, for example: ./test.sh cookies_test
 set -u
 cd "$(dirname "$0")" || exit 1
 # shellcheck source=tools/common.sh
 . tools/common.sh
 
+# The targets of the tests that were named: a test program's target has its name, any other test may need them all.
+targets_of() {
+    case " $* " in
+    "  " | *" tests."* | *" native."*) echo all ;;
+    *) echo "$@" ;;
+    esac
+}
+
 begin
-install_packages "${COMMON_PACKAGES[@]}" chromium libnss3-tools g++ clang-format clang-tidy cppcheck shellcheck pyflakes3
-configure_options=(-DKELDA_REQUIRE_LINTERS=ON)
-build_targets all
-start_display
-prepare_wine_prefix
+install_packages "${COMMON_PACKAGES[@]}" chromium libnss3-tools g++
+# shellcheck disable=SC2046  # names without spaces
+build_targets $(targets_of "$@")
+start_desktop 1
+start_desktop 2
 
-# Everything is a test of CTest, so that it is counted: the linters, the cases of the unit tests, the flow tests.
-stage "Linters (quick where nothing changed)"
-if run_logged lint cmake --build --preset mingw-release --target lint -- -k 0; then
-    stage_done
-else
-    stage_done "not clean"
-fi
-
-stage "Tests"
-rm -f "$LOG_DIR/test.xml"
-run_logged test ctest --preset mingw-release --parallel 2 --no-tests=error --output-junit "$LOG_DIR/test.xml"
-stage_done
-
-[ -e "$LOG_DIR/test.xml" ] || fail "the tests could not be run; see build/logs/test.log"
-python3 tools/count_tests.py "$LOG_DIR/test.xml" build/logs/test.log
+# Read by tools/testing: each test has a desktop and a folder for temporary files to itself.
+export KELDA_DESKTOPS=$DESKTOPS KELDA_TEST_RESULTS=$PWD/build/test-results
+make_test_folder
+printf 'Tests ...\n'
+run_in_terminal python3 -B tools/run_tests.py "$BUILD_DIR" "$LOG_DIR/test.log" "$@"

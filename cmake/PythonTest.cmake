@@ -1,23 +1,16 @@
-# Python's unittest methods as tests of CTest, each in a process of its own.
+# Python's unittest modules as tests of CTest.
 
-# kelda_add_python_tests(FOLDER [ALONE] [ENVIRONMENT NAME=VALUE...]): the test_*.py modules of a folder of the repository.
-# ALONE is for tests that need the display, or something else that there is only one of.
+# kelda_add_python_tests(FOLDER [COST cost] [ENVIRONMENT NAME=VALUE...]): each test_*.py of a folder of the repository is a
+# test; tools/run_unittest.py counts its cases. Tests of a high cost begin first.
 function(kelda_add_python_tests folder)
-    cmake_parse_arguments(arg "ALONE" "" "ENVIRONMENT" ${ARGN})
-    file(GLOB modules CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/test_*.py)
-    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${modules})
-    execute_process(
-        COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/list_python_tests.py ${PROJECT_SOURCE_DIR} ${folder}
-        OUTPUT_VARIABLE names OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-    string(REPLACE "\n" ";" names "${names}")
-    foreach(name IN LISTS names)
-        if(name STREQUAL "")
-            continue()
-        endif()
-        add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} -B -m unittest ${name} WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
-        set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "${arg_ENVIRONMENT}")
-        if(arg_ALONE)
-            set_tests_properties(${name} PROPERTIES RUN_SERIAL TRUE)
-        endif()
+    cmake_parse_arguments(arg "" "COST" "ENVIRONMENT" ${ARGN})
+    file(GLOB modules CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/${folder}/test_*.py)
+    foreach(module IN LISTS modules)
+        string(REGEX REPLACE "\\.py$" "" name ${module})
+        string(REPLACE "/" "." name ${name})
+        add_test(NAME ${name}
+            COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/tools/run_unittest.py ${name}
+            WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
+        set_tests_properties(${name} PROPERTIES TIMEOUT 1800 COST "${arg_COST}" ENVIRONMENT "${arg_ENVIRONMENT}")
     endforeach()
 endfunction()

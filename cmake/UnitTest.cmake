@@ -1,24 +1,32 @@
 # Test programs on GoogleTest, built for the target from Debian's source package.
-include(GoogleTest)
 
 set(KELDA_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest's sources")
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 set(gtest_disable_pthreads OFF CACHE BOOL "" FORCE)
 add_subdirectory(${KELDA_GOOGLETEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 
-# kelda_add_unit_test(NAME source... [LIBRARIES library...] [ALONE])
-# One test program; each of its cases is a test of CTest in a process of its own. ALONE is for cases that need the
-# keyboard focus, or something else that there is only one of.
+# Only for its precompiled headers, which serve every test program.
+file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test_headers.cpp CONTENT "")
+add_library(kelda_test_headers OBJECT ${CMAKE_BINARY_DIR}/test_headers.cpp)
+target_link_libraries(kelda_test_headers PRIVATE kelda_compiler gmock)
+kelda_precompile_headers(kelda_test_headers
+    windows.h gtest/gtest.h gmock/gmock.h algorithm array filesystem functional memory string string_view utility vector)
+
+# kelda_add_unit_test(NAME source... [LIBRARIES library...] [ISOLATED pattern...] [COST cost])
+# One test program, which is one test of CTest: tools/run_gtest.py runs its cases in one process and counts them. ISOLATED
+# names the cases that need a process of their own. Tests of a high cost begin first.
 function(kelda_add_unit_test name)
-    cmake_parse_arguments(arg "ALONE" "" "LIBRARIES" ${ARGN})
+    cmake_parse_arguments(arg "" "COST" "LIBRARIES;ISOLATED" ${ARGN})
     add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PRIVATE kelda_compiler gmock_main ${arg_LIBRARIES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
-    set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR ${PROJECT_SOURCE_DIR}/tools/run-unit-test)
-    set(properties TIMEOUT 60)
-    if(arg_ALONE)
-        list(APPEND properties RUN_SERIAL TRUE)
+    kelda_use_precompiled_headers_of(${name} kelda_test_headers)
+    if(NOT arg_COST)
+        set(arg_COST 1)
     endif()
-    gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-                         PROPERTIES ${properties})
+    list(TRANSFORM arg_ISOLATED PREPEND --isolated=)
+    add_test(NAME ${name}
+        COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/tools/run_gtest.py ${name} $<TARGET_FILE:${name}>
+                ${arg_ISOLATED})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 1800 COST "${arg_COST}")
 endfunction()

@@ -5,7 +5,9 @@
 readonly BUILD_DIR=$PWD/build/mingw-release
 readonly LOG_DIR=$PWD/build/logs
 readonly BIN_DIR=$BUILD_DIR/bin
-export WINEPREFIX=$PWD/build/wine
+# Each desktop is a folder with a display and a Wine prefix.
+readonly DESKTOPS=$PWD/build/desktops
+readonly PREFIX_TEMPLATE=$DESKTOPS/template/wine
 
 readonly COMMON_PACKAGES=(
     cmake ninja-build g++-mingw-w64-x86-64-posix nlohmann-json3-dev googletest
@@ -13,16 +15,29 @@ readonly COMMON_PACKAGES=(
     python3 openssl procps
 )
 
+# A socket's name has room for 107 characters, and Chromium adds some 55 to the folder's.
+readonly LONGEST_TEST_FOLDER=45
+
 stage_started=0
+stage_text=
 
 # stage TEXT: one progress line a stage; the time it took is printed when it ends.
 stage() {
     stage_started=$(date +%s)
+    stage_text=$1
     printf '%-52s' "$1 ..."
 }
 
 stage_done() {
+    ! [ -t 1 ] || printf '\r\033[K%-52s' "$stage_text ..."
     printf ' %s (%d s)\n' "${1:-done}" "$(($(date +%s) - stage_started))"
+}
+
+# show_progress LOG: on a terminal, the last "[steps done/all of them]" of a log and the time behind the stage's text.
+show_progress() {
+    local steps
+    steps=$(grep -o '^\[[0-9]*/[0-9]*\]' "$1" | tail -n 1)
+    printf '\r\033[K%-52s %s %d s' "$stage_text ..." "$steps" "$(($(date +%s) - stage_started))"
 }
 
 # fail TEXT: the one sentence that a failing script ends with.
@@ -37,6 +52,21 @@ run_logged() {
     local log=$LOG_DIR/$1.log status
     shift
     "$@" >"$log" 2>&1 </dev/null 9>&- &
+    current=$!
+    while [ -t 1 ] && kill -0 "$current" 2>/dev/null; do
+        show_progress "$log"
+        sleep 0.5
+    done
+    wait "$current"
+    status=$?
+    current=
+    return "$status"
+}
+
+# run_in_terminal COMMAND...: runs a command that shows its own progress; its status is the result.
+run_in_terminal() {
+    local status
+    "$@" </dev/null 9>&- &
     current=$!
     wait "$current"
     status=$?
@@ -93,24 +123,63 @@ build_targets() {
     stage_done
 }
 
-# The display has to be there before: the desktop that Wine starts here is the one that all programs use.
-prepare_wine_prefix() {
-    stage "Wine prefix"
-    if [ ! -e "$WINEPREFIX/kelda-ready" ]; then
-        rm -rf "$WINEPREFIX"
-        logged wine-prefix tools/run-in-wine wineboot --init
-        # Wine draws the title bars itself: there is no window manager, and waiting for one costs two seconds a window.
-        logged wine-prefix-windows tools/run-in-wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f
-        logged wine-prefix-wait wineserver_of_prefix --wait
-        touch "$WINEPREFIX/kelda-ready"
-        stage_done "made"
-    else
-        stage_done "there"
-    fi
-    # A program that was killed may have left the file of a cookie locked, for good: it could not be saved again.
-    rm -f "$WINEPREFIX"/drive_c/users/*/AppData/Local/Microsoft/Windows/INetCookies/*
-    # The signs on the buttons of title bars. The package has the font where its Wine does not look for it.
+# start_desktop NAME: starts a display on a free number, with a Wine prefix of its own, and makes them those of this shell.
+start_desktop() {
+    local folder=$DESKTOPS/$1
+    mkdir -p "$folder"
+    start_display "$folder/display"
+    stage "Desktop $1"
+    [ -e "$PREFIX_TEMPLATE/kelda-ready" ] || make_prefix_template
+    export WINEPREFIX=$folder/wine
+    [ -e "$WINEPREFIX/kelda-ready" ] || copy_prefix_template
+    start_wine
+    stage_done
+}
+
+# start_display FILE: the display's name is written to the file.
+start_display() {
+    local number=$LOG_DIR/display.number
+    : >"$number"
+    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$number" >>"$LOG_DIR/xvfb.log" 2>&1 </dev/null 9>&- &
+    background+=($!)
+    wait_until 20 test -s "$number" || fail "the display did not start; see build/logs/xvfb.log"
+    DISPLAY=:$(cat "$number")
+    export DISPLAY
+    printf '%s\n' "$DISPLAY" >"$1"
+}
+
+make_prefix_template() {
+    export WINEPREFIX=$PREFIX_TEMPLATE
+    rm -rf "$WINEPREFIX" "$DESKTOPS"/*/wine
+    logged wine-prefix tools/run-in-wine wineboot --init
+    # Wine draws the title bars itself: there is no window manager, and waiting for one costs two seconds a window.
+    set_registry_value 'HKCU\Software\Wine\X11 Driver' Managed REG_SZ N
+    # Programs under Wine get the folder for temporary files from the registry only; tools/run-in-wine sets the variable.
+    set_registry_value 'HKCU\Environment' TEMP REG_EXPAND_SZ %KELDA_TEMP%
+    set_registry_value 'HKCU\Environment' TMP REG_EXPAND_SZ %KELDA_TEMP%
+    # The signs on the buttons of title bars. The package has the font in a folder that its Wine does not search.
     logged wine-font cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
+    logged wine-prefix-wait wineserver_of_prefix --wait
+    touch "$WINEPREFIX/kelda-ready"
+}
+
+# Windows' own files are linked, not copied: they are never written, and take 700 MB.
+copy_prefix_template() {
+    rm -rf "$WINEPREFIX"
+    mkdir -p "$WINEPREFIX/drive_c"
+    logged wine-prefix-link cp -al "$PREFIX_TEMPLATE/drive_c/windows" "$WINEPREFIX/drive_c/"
+    tar -C "$PREFIX_TEMPLATE" --exclude ./drive_c/windows -cf - . | tar -C "$WINEPREFIX" -xf - || fail "no prefix could be made"
+}
+
+# set_registry_value KEY NAME TYPE VALUE
+set_registry_value() {
+    logged wine-registry tools/run-in-wine reg add "$1" /v "$2" /t "$3" /d "$4" /f
+}
+
+# The display has to be there before: the desktop that Wine starts here is the one that all programs use.
+start_wine() {
+    # A program that was killed may have left the file of a cookie locked, and the cookie could never be saved again.
+    rm -f "$WINEPREFIX"/drive_c/users/*/AppData/Local/Microsoft/Windows/INetCookies/*
     # Kept running until the end, with its services: every program start is quicker for it.
     logged wineserver wineserver_of_prefix --persistent
     logged wine-services tools/run-in-wine wineboot
@@ -119,17 +188,6 @@ prepare_wine_prefix() {
 # The package puts the server beside the loader, not on the PATH.
 wineserver_of_prefix() {
     "$(command -v wineserver || echo /usr/lib/wine/wineserver)" "$@"
-}
-
-# start_display: a display of our own on a free number.
-start_display() {
-    local number=$LOG_DIR/display.number
-    : >"$number"
-    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$number" >"$LOG_DIR/xvfb.log" 2>&1 </dev/null 9>&- &
-    background+=($!)
-    wait_until 20 test -s "$number" || fail "the display did not start; see build/logs/xvfb.log"
-    DISPLAY=:$(cat "$number")
-    export DISPLAY
 }
 
 # wait_until SECONDS COMMAND...: true as soon as the command is.
@@ -142,8 +200,21 @@ wait_until() {
     done
 }
 
+# make_test_folder: the folder for the tests' temporary files, gone at the end of this script. Below build/ unless the names
+# in it would be too long for sockets, which Chromium makes there.
+make_test_folder() {
+    KELDA_TEST_TEMP=$PWD/build/tmp
+    if [ ${#KELDA_TEST_TEMP} -gt $LONGEST_TEST_FOLDER ]; then
+        KELDA_TEST_TEMP=$(mktemp -d /tmp/kelda-XXXXXX) || fail "no folder for temporary files could be made"
+    fi
+    test_folder=$KELDA_TEST_TEMP
+    mkdir -p "$test_folder"
+    export KELDA_TEST_TEMP
+}
+
 background=()
 current=
+test_folder=
 
 # end_jobs PID...: ends background jobs with all that they have started; each is a process group of its own.
 end_jobs() {
@@ -158,12 +229,15 @@ end_jobs() {
 
 # Ends all that was started here: on success, on failure and on Ctrl+C. What may start programs under Wine goes first.
 clean_up() {
-    local status=$?
+    local status=$? prefix
     trap - EXIT
     trap '' INT TERM HUP
     [ -z "$current" ] || end_jobs "$current"
-    [ ! -d "$WINEPREFIX" ] || wineserver_of_prefix --kill 2>/dev/null
+    for prefix in "$DESKTOPS"/*/wine; do
+        [ ! -d "$prefix" ] || WINEPREFIX=$prefix wineserver_of_prefix --kill 2>/dev/null
+    done
     end_jobs "${background[@]}"
+    [ -z "$test_folder" ] || rm -rf "$test_folder"
     exit "$status"
 }
 
@@ -172,8 +246,8 @@ begin() {
     # Each background job gets a process group, so that it can be ended as a whole.
     set -m
     # Nothing of the caller's own Wine, or of an earlier test by hand, is to get in.
-    unset WINEARCH WINEDEBUG WINEDLLOVERRIDES KELDA_PROMPT_SCRIPT KELDA_PROMPT_LOG \
-        "${!KELDA_TEST_@}" "${!MERIDO_@}" "${!WEBVIEW2_@}"
+    unset WINEPREFIX WINEARCH WINEDEBUG WINEDLLOVERRIDES KELDA_PROMPT_SCRIPT KELDA_PROMPT_LOG \
+        KELDA_DESKTOPS "${!KELDA_TEST_@}" "${!MERIDO_@}" "${!WEBVIEW2_@}"
     mkdir -p "$LOG_DIR" || fail "the folder build/ cannot be written"
     exec 9>"$PWD/build/.lock"
     flock --nonblock 9 || fail "another run is going on in this checkout"

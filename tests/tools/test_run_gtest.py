@@ -1,0 +1,116 @@
+"""The runner of GoogleTest programs, on a program that plays their output."""
+
+import contextlib
+import io
+import os
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+from unittest import mock
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
+
+import run_gtest
+from testing.results import Note, Outcome, Recorder, parse, record_file
+
+# A case does what its name says; the filter names the cases.
+PROGRAM = """
+import os, sys, time
+starts = open(sys.argv[0] + ".starts", "a+")
+starts.seek(0)
+earlier = len(starts.read())
+starts.write(".")
+starts.flush()
+names = sys.argv[1].removeprefix("--gtest_filter=").split(":")
+if "Start.IsSilent" in names and earlier == 0 or "Start.IsAlwaysSilent" in names:
+    sys.exit(7)
+print(f"[==========] Running {len(names)} tests from 1 test suite.", flush=True)
+failed = 0
+for name in names:
+    print(f"[ RUN      ] {name}", flush=True)
+    if name == "Case.Crashes":
+        print("the last words", flush=True)
+        os._exit(0)
+    if name == "Case.Hangs":
+        time.sleep(60)
+    if name == "Case.IsSkipped":
+        print(f"[  SKIPPED ] {name} (0 ms)")
+    elif name.startswith("Case.Fails"):
+        failed += 1
+        print("expected one thing, got another")
+        print(f"[  FAILED  ] {name}, where GetParam() = 4 (12 ms)")
+    else:
+        print(f"[       OK ] {name} (1500 ms)")
+print(f"[==========] {len(names)} tests from 1 test suite ran. (1 ms total)")
+print("[  FAILED  ] Case.Passes" if failed else "[  PASSED  ]", flush=True)
+sys.exit(3 if failed or "Case.SpoilsTheEnd" in names else 0)
+"""
+
+
+class RunnerCase(unittest.TestCase):
+    def setUp(self) -> None:
+        folder = self.enterContext(tempfile.TemporaryDirectory())
+        self.program = Path(folder, "program.py")
+        self.program.write_text(PROGRAM, "utf-8")
+        self.enterContext(mock.patch.dict(os.environ, {"KELDA_TEST_RESULTS": folder}))
+        self.enterContext(mock.patch.object(run_gtest, "RUN_IN_WINE", sys.executable))
+        self.enterContext(mock.patch.object(run_gtest, "CASE_SECONDS", 5))
+
+    def run_cases(self, *cases: str) -> list[Outcome | Note]:
+        """What has been recorded of these cases."""
+        with contextlib.redirect_stdout(io.StringIO()):
+            run_gtest.run("program", str(self.program), list(cases), Recorder("program"))
+        return [parse(line) for line in record_file("program").read_text("utf-8").splitlines()]
+
+    def outcomes(self, *cases: str) -> dict[str, bool]:
+        return {entry.case: entry.passed for entry in self.run_cases(*cases) if isinstance(entry, Outcome)}
+
+    def starts(self) -> int:
+        return len(Path(f"{self.program}.starts").read_text("utf-8"))
+
+
+class Cases(RunnerCase):
+    def test_are_recorded_one_by_one_from_one_process(self) -> None:
+        self.assertEqual(self.run_cases("Case.Passes", "Case.PassesToo/1"),
+                         [Outcome("Case.Passes", True, 1.5), Outcome("Case.PassesToo/1", True, 1.5)])
+        self.assertEqual(self.starts(), 1)
+
+    def test_that_fail_are_recorded_with_their_output(self) -> None:
+        passed, failed, after = self.run_cases("Case.Passes", "Case.Fails", "Case.PassesToo")
+        self.assertEqual((passed.passed, failed.passed, after.passed), (True, False, True))
+        self.assertIn("expected one thing, got another", failed.output)
+        self.assertEqual(self.starts(), 1)
+
+    def test_that_are_skipped_have_not_passed(self) -> None:
+        self.assertEqual(self.outcomes("Case.IsSkipped"), {"Case.IsSkipped": False})
+
+
+class Program(RunnerCase):
+    def test_that_crashes_fails_that_case_and_is_started_again_for_the_rest(self) -> None:
+        entries = self.run_cases("Case.Passes", "Case.Crashes", "Case.PassesToo")
+        outcomes = [entry for entry in entries if isinstance(entry, Outcome)]
+        self.assertEqual([(entry.case, entry.passed) for entry in outcomes],
+                         [("Case.Passes", True), ("Case.Crashes", False), ("Case.PassesToo", True)])
+        self.assertIn("the last words", outcomes[1].output)
+        self.assertIn("ended with status 0", outcomes[1].output)
+        self.assertEqual(self.starts(), 2)
+
+    def test_that_hangs_is_ended_and_fails_that_case(self) -> None:
+        self.assertEqual(self.outcomes("Case.Hangs", "Case.Passes"), {"Case.Hangs": False, "Case.Passes": True})
+
+    def test_that_fails_after_its_last_case_is_a_failure_of_its_own(self) -> None:
+        self.assertEqual(self.outcomes("Case.SpoilsTheEnd"), {"Case.SpoilsTheEnd": True, "program.end_of_program": False})
+
+    def test_that_ends_without_output_is_started_once_more_and_noted(self) -> None:
+        entries = self.run_cases("Start.IsSilent", "Case.Passes")
+        self.assertEqual([entry for entry in entries if isinstance(entry, Outcome)],
+                         [Outcome("Start.IsSilent", True, 1.5), Outcome("Case.Passes", True, 1.5)])
+        notes = [entry.note for entry in entries if isinstance(entry, Note)]
+        self.assertIn("REPEATED: program ended without any output.", notes)
+        self.assertTrue(any("status 7" in note for note in notes), notes)
+
+    def test_that_always_ends_without_output_fails_all_its_cases(self) -> None:
+        self.assertEqual(self.outcomes("Start.IsAlwaysSilent", "Case.Passes"),
+                         {"Start.IsAlwaysSilent": False, "Case.Passes": False})
+        self.assertEqual(self.starts(), 2)
