@@ -62,6 +62,9 @@ class Browser : public std::enable_shared_from_this<Browser> {
     /// "156.0.8078.79"
     const std::string& Version() const { return version_; }
 
+    /// The connection to Chromium, for commands about the browser as a whole.
+    const std::shared_ptr<Connection>& Protocol() const { return connection_; }
+
     /// Whether Chromium still runs. Once it does not, this browser is of no more use; the next `Open` starts another one.
     bool Alive() const;
 

@@ -1,9 +1,11 @@
-// Profile folders, the remembering client, and waiting.
+// Profile folders, the shared browser, and waiting.
 #include "tests/unit/chromium/chromium_test.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <sstream>
 
 #include "testbed/chromium/launch.h"
@@ -18,6 +20,68 @@ std::string TextOf(int process, const char* name) {
     std::ifstream file(std::filesystem::path(L"\\\\?\\unix\\proc") / std::to_string(process) / name,
                        std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Holds the shared browser while the program's cases run.
+class SharedChromium final : public testing::Environment {
+  public:
+    std::shared_ptr<Browser> Get() {
+        if (browser_ == nullptr || !browser_->Alive()) {
+            End();
+            folder_.emplace();
+            browser_ = OpenBrowser(folder_->Path()).browser;
+        }
+        return browser_;
+    }
+    void End() {
+        browser_.reset();
+        if (folder_) {
+            EXPECT_TRUE(PumpUntil([this] { return folder_->Processes().empty(); }));
+            folder_.reset();
+        }
+    }
+    void TearDown() override { End(); }
+
+  private:
+    std::optional<ProfileFolder> folder_;
+    std::shared_ptr<Browser> browser_;
+};
+
+// GoogleTest takes ownership.
+SharedChromium* const sharedChromium = new SharedChromium;
+const testing::Environment* const registered = testing::AddGlobalTestEnvironment(sharedChromium);
+
+/// Sends a command about the browser as a whole, and waits for its reply.
+/// @return null on any failure.
+Json Ask(const Browser& browser, const std::string& method) {
+    const auto reply = std::make_shared<std::optional<Json>>();
+    browser.Protocol()->Send(method, Json::object(), {},
+                             [reply](const Json* result) { *reply = result == nullptr ? Json() : *result; });
+    PumpUntil([&] { return reply->has_value(); });
+    return reply->value_or(Json());
+}
+
+bool HasNoPage(const Browser& browser) {
+    const Json reply = Ask(browser, "Target.getTargets");
+    return reply.is_object() && std::ranges::none_of(reply.at("targetInfos"), [](const Json& target) {
+               return target.at("type") == "page";
+           });
+}
+
+/// Whether the list in the reply to a command is empty.
+bool HasNone(const Browser& browser, const std::string& method, const char* list) {
+    const Json reply = Ask(browser, method);
+    return reply.is_object() && reply.at(list).empty();
+}
+
+/// Expects no page and no private profile to be left, and deletes the cookies.
+void CleanUp(const Browser& browser) {
+    ASSERT_TRUE(browser.Alive()) << "a case that ends the browser needs one of its own";
+    EXPECT_TRUE(PumpUntil([&] { return HasNoPage(browser); }));
+    EXPECT_TRUE(
+        PumpUntil([&] { return HasNone(browser, "Target.getBrowserContexts", "browserContextIds"); }));
+    Ask(browser, "Storage.clearCookies");
+    EXPECT_TRUE(PumpUntil([&] { return HasNone(browser, "Storage.getCookies", "cookies"); }));
 }
 
 } // namespace
@@ -126,6 +190,14 @@ Opening OpenBrowser(const std::wstring& folder) {
     return std::exchange(*opening, {});
 }
 
+std::shared_ptr<Browser> SharedBrowser() {
+    return sharedChromium->Get();
+}
+
+void EndSharedBrowser() {
+    sharedChromium->End();
+}
+
 std::unique_ptr<Page> CreatePage(Browser& browser, PageClient& client, bool inPrivate) {
     const auto created = std::make_shared<std::unique_ptr<Page>>();
     const auto answered = std::make_shared<bool>(false);
@@ -176,9 +248,28 @@ std::shared_ptr<PageSession> OpenBarePage(const std::shared_ptr<Connection>& con
 }
 
 void ChromiumTest::SetUp() {
-    Opening opening = OpenBrowser(folder_.Path());
-    ASSERT_NE(opening.browser, nullptr) << "error " << opening.error;
-    browser_ = std::move(opening.browser);
+    shared_ = SharedBrowser();
+    UseBrowser(shared_);
+}
+
+void ChromiumTest::TearDown() {
+    page_.reset();
+    browser_.reset();
+    if (const auto shared = std::exchange(shared_, nullptr)) {
+        CleanUp(*shared);
+    }
+}
+
+void ChromiumTest::UseBrowserOfItsOwn() {
+    page_.reset();
+    browser_.reset();
+    shared_.reset();
+    UseBrowser(OpenBrowser(folder_.Path()).browser);
+}
+
+void ChromiumTest::UseBrowser(const std::shared_ptr<Browser>& browser) {
+    ASSERT_NE(browser, nullptr);
+    browser_ = browser;
     page_ = CreatePage(*browser_, client_);
     ASSERT_NE(page_, nullptr);
 }

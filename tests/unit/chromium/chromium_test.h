@@ -160,6 +160,13 @@ struct Opening {
 /// @return what came of it; not answered if the deadline has passed.
 Opening OpenBrowser(const std::wstring& folder);
 
+/// Opens the browser that the cases of this program share, on a folder of its own. Opens another one once that has crashed.
+/// @return null on any failure.
+std::shared_ptr<Browser> SharedBrowser();
+
+/// Ends the shared browser; no process of it may be left. The end of the program does the same.
+void EndSharedBrowser();
+
 /// @return null on any failure.
 std::unique_ptr<Page> CreatePage(Browser& browser, PageClient& client, bool inPrivate = false);
 
@@ -182,16 +189,26 @@ std::shared_ptr<Connection> StartChromium(const ProfileFolder& folder);
 std::shared_ptr<PageSession> OpenBarePage(const std::shared_ptr<Connection>& connection,
                                           const std::string& mainFrame = {});
 
-/// A browser on a folder of its own, with one page.
+/// A page of the shared browser. At the end of a case that browser may have no page left; its cookies are deleted. All else
+/// that Chromium remembers belongs to a server, and each case has servers of its own.
 class ChromiumTest : public testing::Test {
   protected:
     void SetUp() override;
+    void TearDown() override;
 
-    ProfileFolder folder_;
+    /// Exchanges the browser and the page for new ones, on a folder of the case's own. For cases about the browser's end.
+    void UseBrowserOfItsOwn();
+
+    ProfileFolder folder_; // not used by the shared browser
     Site site_;
     RecordingClient client_;
     std::shared_ptr<Browser> browser_;
     std::unique_ptr<Page> page_;
+
+  private:
+    void UseBrowser(const std::shared_ptr<Browser>& browser);
+
+    std::shared_ptr<Browser> shared_; // null with a browser of its own
 };
 
 } // namespace chromium_test

@@ -121,13 +121,12 @@ TEST_F(Cookies, OfAPageInPrivateAreItsOwn) {
 }
 
 TEST_F(Cookies, ThatLastAreThereInTheNextBrowserOfTheFolder) {
+    ASSERT_NO_FATAL_FAILURE(UseBrowserOfItsOwn());
     Cookie lasting = Loopback("lasting");
     lasting.expires = static_cast<double>(std::time(nullptr)) + 1000;
     ASSERT_TRUE(Set(lasting));
     ASSERT_TRUE(Set(Loopback("session")));
-    page_.reset();
-    browser_.reset();
-    SetUp();
+    ASSERT_NO_FATAL_FAILURE(UseBrowserOfItsOwn());
     const auto cookies = GetAll();
     ASSERT_EQ(cookies.size(), 1U);
     EXPECT_EQ(cookies[0].name, "lasting");

@@ -14,6 +14,7 @@ class Crashes : public ChromiumTest {
         site_.Add("/waiting", "<img src='/stalled'>");
         site_.AddStalled("/stalled");
     }
+    void SetUp() override { UseBrowserOfItsOwn(); }
 
     /// Kills Chromium while a client's function runs, and lets that go on when it is known.
     void KillMeanwhile() {

@@ -153,6 +153,7 @@ TEST_F(Navigation, MayCloseThePageInItsHandler) {
 }
 
 TEST_F(Navigation, MayEndTheBrowserInItsHandler) {
+    ASSERT_NO_FATAL_FAILURE(UseBrowserOfItsOwn());
     client_.onCompleted = [&](const NavigationOutcome&) {
         page_.reset();
         browser_.reset();

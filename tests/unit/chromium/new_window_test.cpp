@@ -17,6 +17,12 @@ class NewWindows : public ChromiumTest {
         ASSERT_NO_FATAL_FAILURE(ChromiumTest::SetUp());
         ASSERT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
     }
+    void UseBrowserOfItsOwn() {
+        ASSERT_NO_FATAL_FAILURE(ChromiumTest::UseBrowserOfItsOwn());
+        client_.starts.clear();
+        client_.outcomes.clear();
+        ASSERT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
+    }
 
     /// The window that `window.opened` is, or the one with that name, goes; and the page goes on as if nothing had been.
     void ExpectClosed() {
@@ -46,12 +52,14 @@ TEST_F(NewWindows, OfFormsAreClosed) {
 }
 
 TEST_F(NewWindows, ThatDoNotKnowTheirOpenerDoNotDisturbIt) {
+    ASSERT_NO_FATAL_FAILURE(UseBrowserOfItsOwn());
     Evaluate(*page_, "document.getElementById('strange').click()");
     EXPECT_TRUE(Visit(*page_, client_, site_.Url("/other")).success);
     EXPECT_EQ(client_.starts.size(), 2U);
 }
 
 TEST_F(NewWindows, LeaveNoProcessBehind) {
+    ASSERT_NO_FATAL_FAILURE(UseBrowserOfItsOwn());
     Evaluate(*page_, "window.opened = window.open('/new'); document.getElementById('strange').click()");
     page_.reset();
     browser_.reset();

@@ -123,6 +123,7 @@ TEST(Opening, WaitsForAChromiumThatIsSlowToEnd) {
 }
 
 TEST(Opening, LeavesNoProcessAndNoWindow) {
+    EndSharedBrowser(); // it has a window as well
     const ProfileFolder folder;
     Opening opening = OpenBrowser(folder.Path());
     ASSERT_NE(opening.browser, nullptr);

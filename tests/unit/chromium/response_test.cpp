@@ -263,6 +263,7 @@ TEST_F(Answers, WaitWhileTheClientIsBusyAndSoDoesWhatFollowsThem) {
 }
 
 TEST_F(Answers, MayEndEverything) {
+    ASSERT_NO_FATAL_FAILURE(UseBrowserOfItsOwn());
     client_.onResponse = [this](const Response&) {
         page_.reset();
         browser_.reset();

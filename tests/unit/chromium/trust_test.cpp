@@ -87,6 +87,7 @@ TEST_F(Certificates, OfWhatThePageAsksForAreReportedAsWell) {
 }
 
 TEST_F(Certificates, MayEndEverythingWhileTheyWait) {
+    ASSERT_NO_FATAL_FAILURE(UseBrowserOfItsOwn());
     page_->SetCertificateReports(true);
     client_.onCertificate = [this](const CertificateProblem&) {
         page_.reset();
@@ -209,6 +210,7 @@ TEST_F(Challenges, OfWhatAScriptAsksForComeAsWell) {
 }
 
 TEST_F(Challenges, MayEndEverythingWhileTheyWait) {
+    ASSERT_NO_FATAL_FAILURE(UseBrowserOfItsOwn());
     client_.onChallenge = [this](const AuthenticationChallenge&) {
         page_.reset();
         browser_.reset();

@@ -185,6 +185,7 @@ TEST_F(View, PaintsAgainAfterACrashOfThePage) {
 }
 
 TEST_F(View, MayBeDestroyedByTheWindowThatGetsItsFocus) {
+    ASSERT_NO_FATAL_FAILURE(UseBrowserOfItsOwn());
     Show("/red");
     view_->Focus();
     ASSERT_EQ(GetFocus(), view_->Window());
@@ -207,6 +208,7 @@ TEST_F(View, MayBeDestroyedByTheWindowThatGetsItsFocus) {
 }
 
 TEST_F(View, OutlivesItsParentAndItsPage) {
+    ASSERT_NO_FATAL_FAILURE(UseBrowserOfItsOwn());
     Show("/red");
     DestroyWindow(parent_);
     EXPECT_EQ(view_->Window(), nullptr);
