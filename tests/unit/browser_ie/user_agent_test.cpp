@@ -55,7 +55,8 @@ TEST_F(UserAgent, AnythingElseInTheVariableIsSetVerbatim) {
          {"Default", "DEFAULT", " default", "default ", "defaults", "defaul", "\"default\"", "My Agent/1.0",
           " ", "Agent (Windows NT 6.1)", "a \"quoted\" $& one"}) {
         SCOPED_TRACE(text);
-        SetEnvironmentVariableA("MERIDO_ZANWEBBROWSER_USER_AGENT", text);
+        const std::string value = text;
+        const ScopedVariable variable(kUserAgentVariable, std::wstring(value.begin(), value.end()).c_str());
         Have("Agent (Windows NT 6.1)");
         EXPECT_EQ(Apply(), test_support::InTurn({{"[0] Using environment User-Agent"}, Sets(text)}));
     }

@@ -7,9 +7,11 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <string>
 
 #include "WebView2.h"
+#include "tests/support/scoped_variable.h"
 #include "tests/unit/webview2/fake_loader.h"
 
 namespace {
@@ -39,15 +41,32 @@ void MakeFolders(const fs::path& folder) {
     }
 }
 
+/// Changes the current folder, and puts back what was there.
+class CurrentFolder {
+  public:
+    explicit CurrentFolder(const fs::path& folder) : previous_(fs::current_path()) {
+        EXPECT_TRUE(SetCurrentDirectoryW(folder.c_str()));
+    }
+    ~CurrentFolder() { SetCurrentDirectoryW(previous_.c_str()); }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+
+  private:
+    fs::path previous_;
+};
+
 /// A folder of the test's own with a module that has the loader's functions; loaders are put beside it.
 class LoaderFiles : public ::testing::Test {
   protected:
     void SetUp() override {
-        folder_ = Modules() / ::testing::UnitTest::GetInstance()->current_test_info()->name();
+        static std::map<std::string, int> runs;
+        const std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+        // What a test loads stays loaded until the process ends, so each run in a process has another folder.
+        folder_ = Modules() / name / std::to_string(++runs[name]);
     }
 
     void LoadCaller() {
-        // What a test loads stays loaded until its process ends, so only the next run can remove it.
+        // Only the next process can remove what this one has loaded.
         DeleteFileW(Unlimited(folder_ / kLoader).c_str());
         ASSERT_EQ(GetFileAttributesW(Unlimited(folder_ / kLoader).c_str()), INVALID_FILE_ATTRIBUTES);
         ASSERT_NO_FATAL_FAILURE(Copy(kCaller, folder_ / L"caller.dll"));
@@ -158,8 +177,8 @@ TEST_F(LoaderFiles, TakeNoneFromTheCurrentFolderOrThePath) {
     const fs::path onPath = folder_ / L"path" / kLoader;
     ASSERT_NO_FATAL_FAILURE(Copy(kFakeLoader, current));
     ASSERT_NO_FATAL_FAILURE(Copy(kFakeLoader, onPath));
-    ASSERT_TRUE(SetCurrentDirectoryW(current.parent_path().c_str()));
-    ASSERT_TRUE(SetEnvironmentVariableW(L"PATH", onPath.parent_path().c_str()));
+    const CurrentFolder inCurrent(current.parent_path());
+    const test_support::ScopedVariable path(L"PATH", onPath.parent_path().c_str());
 
     ExpectNoRuntime(ERROR_MOD_NOT_FOUND);
     EXPECT_FALSE(IsLoaded(current));

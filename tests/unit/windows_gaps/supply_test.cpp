@@ -69,8 +69,10 @@ TEST(Supply, ReplacesTheImportsOnceAndForAll) {
 }
 
 TEST(Supply, KeepsItsLibraryLoaded) {
-    // A copy, as this program's own imports keep the library itself.
-    const wchar_t* const copy = L"windows_gaps_test_copy.dll";
+    // A copy, as this program's own imports keep the library itself. It stays loaded, so each run has another one.
+    static int count = 0;
+    const std::wstring copy = L"windows_gaps_test_copy-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                              std::to_wstring(++count) + L".dll";
     const std::wstring path = (std::filesystem::temp_directory_path() / copy).wstring();
     std::array<wchar_t, MAX_PATH> original{};
     GetModuleFileNameW(GetModuleHandleW(L"windows_gaps.dll"), original.data(), MAX_PATH);
@@ -85,7 +87,7 @@ TEST(Supply, KeepsItsLibraryLoaded) {
     EXPECT_TRUE(supply(GetModuleHandleW(L"kernel32.dll")));
     gaps.reset();
 
-    EXPECT_NE(GetModuleHandleW(copy), nullptr);
+    EXPECT_NE(GetModuleHandleW(copy.c_str()), nullptr);
 }
 
 } // namespace
