@@ -8,6 +8,12 @@
 #include <windows.h>
 
 namespace legacy_control {
+namespace {
+
+constexpr ULONGLONG kRemoveMilliseconds = 3000;
+constexpr DWORD kBetweenTriesMilliseconds = 20;
+
+} // namespace
 
 ProfileFolder::ProfileFolder() {
     static std::atomic<int> count = 0;
@@ -17,9 +23,15 @@ ProfileFolder::ProfileFolder() {
     path_ = (std::filesystem::temp_directory_path() / name).wstring();
 }
 
+// Processes that Chromium has started outlive it by a moment, with files of theirs in the folder.
 ProfileFolder::~ProfileFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    const ULONGLONG deadline = GetTickCount64() + kRemoveMilliseconds;
+    std::error_code problem;
+    std::filesystem::remove_all(path_, problem);
+    while (problem && GetTickCount64() < deadline) {
+        Sleep(kBetweenTriesMilliseconds);
+        std::filesystem::remove_all(path_, problem);
+    }
 }
 
 std::shared_ptr<ProfileFolder> ProfileFolder::OfThisThread() {

@@ -6,7 +6,7 @@
 
 namespace legacy_control {
 
-/// A folder that is removed again. Chromium has to have ended by then.
+/// A folder that is removed again, within three seconds. Chromium has to have ended by then.
 class ProfileFolder {
   public:
     ~ProfileFolder();

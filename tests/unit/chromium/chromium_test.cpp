@@ -48,8 +48,7 @@ class SharedChromium final : public testing::Environment {
 };
 
 // GoogleTest takes ownership.
-SharedChromium* const sharedChromium = new SharedChromium;
-const testing::Environment* const registered = testing::AddGlobalTestEnvironment(sharedChromium);
+auto* sharedChromium = static_cast<SharedChromium*>(testing::AddGlobalTestEnvironment(new SharedChromium));
 
 /// Sends a command about the browser as a whole, and waits for its reply.
 /// @return null on any failure.

@@ -3,6 +3,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <set>
+#include <system_error>
 
 #include "testbed/chromium/launch.h"
 #include "testbed/chromium/text.h"
@@ -10,6 +12,8 @@
 
 namespace chromium_test {
 namespace {
+
+constexpr const wchar_t* kAddressFile = L"address.txt";
 
 // The folder is the first argument. In the end it is killed; the time is for when nobody does.
 constexpr const wchar_t* kScript =
@@ -21,17 +25,30 @@ constexpr const wchar_t* kScript =
 } // namespace
 
 SecureServer::SecureServer() {
+    static std::set<std::string> used;
+    for (Start(); !address_.empty() && !used.insert(address_).second; Start()) {
+        Stop();
+    }
+}
+
+SecureServer::~SecureServer() {
+    Stop();
+}
+
+void SecureServer::Start() {
     DWORD error = ERROR_SUCCESS;
     const std::wstring folder = ToUtf16(NativeFolder(folder_.Path(), error));
     test_support::RunNative(L"/bin/sh", std::wstring(L"-c \"") + kScript + L"\" sh \"" + folder + L"\"");
     PumpUntil([this] { return !(address_ = ReadAddress()).empty(); });
 }
 
-SecureServer::~SecureServer() {
+void SecureServer::Stop() {
     for (const int process : folder_.Processes()) {
         test_support::KillNative(process);
     }
     PumpUntil([this] { return folder_.Processes().empty(); });
+    std::error_code ignored;
+    std::filesystem::remove(std::filesystem::path(folder_.Path()) / kAddressFile, ignored);
 }
 
 std::string SecureServer::Url(const std::string& path) const {
@@ -41,7 +58,7 @@ std::string SecureServer::Url(const std::string& path) const {
 /// Empty until it is there.
 std::string SecureServer::ReadAddress() const {
     constexpr std::string_view kWord = "ACCEPT ";
-    std::ifstream file(std::filesystem::path(folder_.Path()) / L"address.txt");
+    std::ifstream file(std::filesystem::path(folder_.Path()) / kAddressFile);
     std::string line;
     while (std::getline(file, line)) {
         if (line.starts_with(kWord) && !file.eof()) {

@@ -10,7 +10,8 @@ namespace chromium_test {
 /// A program of the machine below Wine. It answers every request with a page, and closes the connection then.
 class SecureServer {
   public:
-    /// Waits until it listens; `Url` is empty if that does not happen.
+    /// Waits until it listens, on a port that no other such server of this process has had: a browser remembers certificates by
+    /// port. `Url` is empty if that does not happen.
     SecureServer();
     ~SecureServer();
     SecureServer(const SecureServer&) = delete;
@@ -20,6 +21,8 @@ class SecureServer {
     std::string Url(const std::string& path = "/") const;
 
   private:
+    void Start();
+    void Stop();
     std::string ReadAddress() const;
 
     ProfileFolder folder_;

@@ -19,6 +19,18 @@ std::string FolderMark() {
     return "kelda-legacy-control-" + std::to_string(GetCurrentProcessId()) + "-";
 }
 
+std::vector<std::string> ProfileFolders() {
+    std::vector<std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::temp_directory_path())) {
+        if (const std::string name = ToUtf8(entry.path().filename().wstring());
+            name.starts_with(FolderMark())) {
+            found.push_back(name);
+        }
+    }
+    std::ranges::sort(found);
+    return found;
+}
+
 ComPtr<IStorage> MakeStorage() {
     ComPtr<ILockBytes> bytes;
     ComPtr<IStorage> storage;
@@ -29,7 +41,61 @@ ComPtr<IStorage> MakeStorage() {
     return storage;
 }
 
+/// Keeps the Chromium of this thread by a control that no case sees.
+class SharedChromium final : public testing::Environment {
+  public:
+    /// Needs COM and the control's class.
+    void Open() {
+        if (control_ && test_support::NativeState(process_) != '?') {
+            return;
+        }
+        End();
+        const LONG before = LegacyControlLiveObjects();
+        ASSERT_EQ(CoCreateInstance(CLSID_WebBrowser, nullptr, CLSCTX_INPROC_SERVER, IID_IWebBrowser2,
+                                   reinterpret_cast<void**>(control_.GetAddressOf())),
+                  S_OK);
+        BSTR url = SysAllocString(L"about:blank");
+        EXPECT_EQ(control_->Navigate(url, nullptr, nullptr, nullptr, nullptr), S_OK);
+        SysFreeString(url);
+        EXPECT_TRUE(PumpUntil([this] {
+            READYSTATE state = READYSTATE_UNINITIALIZED;
+            return control_->get_ReadyState(&state) == S_OK && state == READYSTATE_COMPLETE;
+        }));
+        process_ = test_support::NativeChromium(FolderMark());
+        objects_ = LegacyControlLiveObjects() - before;
+    }
+    /// Nothing of Chromium may be left.
+    void End() {
+        if (control_) {
+            control_.Reset();
+            objects_ = 0;
+            ExpectNothingLeft();
+        }
+    }
+    void TearDown() override { End(); }
+
+    LONG Objects() const { return objects_; }
+
+    static void ExpectNothingLeft() {
+        EXPECT_TRUE(PumpUntil([] { return LegacyControlLiveObjects() == 0; })) << LegacyControlLiveObjects();
+        EXPECT_TRUE(PumpUntil([] { return test_support::NativeProcesses(FolderMark()).empty(); }));
+        EXPECT_TRUE(PumpUntil([] { return ProfileFolders().empty(); }));
+    }
+
+  private:
+    ComPtr<IWebBrowser2> control_;
+    LONG objects_ = 0; // of the control
+    int process_ = 0;
+};
+
+// GoogleTest takes ownership.
+auto* sharedChromium = static_cast<SharedChromium*>(testing::AddGlobalTestEnvironment(new SharedChromium));
+
 } // namespace
+
+LONG LiveObjects() {
+    return LegacyControlLiveObjects() - sharedChromium->Objects();
+}
 
 Pages::Pages()
     : server_([this](const std::string& request) {
@@ -66,9 +132,14 @@ std::vector<std::string> Pages::Requests(const std::string& path) const {
 }
 
 void ControlTest::SetUp() {
-    foldersBefore_ = Folders();
     ASSERT_EQ(OleInitialize(nullptr), S_OK);
     ASSERT_TRUE(SupplyLegacyControl());
+    if (shares_) {
+        sharedChromium->Open();
+    } else {
+        sharedChromium->End();
+    }
+    foldersBefore_ = Folders();
     host.window = CreateWindowExW(0, L"STATIC", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 500, 400,
                                   nullptr, nullptr, nullptr, nullptr);
     host.external.members = {{L"norv", 888111888}, {L"say", 7}, {L"several", 8}};
@@ -78,10 +149,9 @@ void ControlTest::TearDown() {
     Close();
     WithdrawLegacyControl();
     // What was still on its way when it was closed comes to nothing in the message loop.
-    EXPECT_TRUE(PumpUntil([] { return LegacyControlLiveObjects() == 0; })) << LegacyControlLiveObjects();
-    EXPECT_TRUE(PumpUntil([] { return Processes().empty(); })) << Processes().size();
-    // None of an earlier process with this number counts: it may go meanwhile.
-    EXPECT_TRUE(PumpUntil([&] { return std::ranges::includes(foldersBefore_, Folders()); }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 0; })) << LiveObjects();
+    EXPECT_TRUE(PumpUntil([&] { return shares_ || Processes().empty(); })) << Processes().size();
+    EXPECT_TRUE(PumpUntil([&] { return Folders() == foldersBefore_; }));
     EXPECT_EQ(host.References(), 0);
     if (IsWindow(host.window) != FALSE) {
         EXPECT_EQ(GetWindow(host.window, GW_CHILD), nullptr);
@@ -166,15 +236,7 @@ HWND ControlTest::ControlWindow() const {
 }
 
 std::vector<std::string> ControlTest::Folders() {
-    std::vector<std::string> found;
-    for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::temp_directory_path())) {
-        if (const std::string name = ToUtf8(entry.path().filename().wstring());
-            name.starts_with(FolderMark())) {
-            found.push_back(name);
-        }
-    }
-    std::ranges::sort(found);
-    return found;
+    return ProfileFolders();
 }
 
 std::vector<int> ControlTest::Processes() {

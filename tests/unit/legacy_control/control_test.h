@@ -46,9 +46,16 @@ class Pages {
     test_support::CannedServer server_;
 };
 
+/// The number of live objects of the control's library, without those that keep the shared Chromium.
+LONG LiveObjects();
+
 /// COM, the control's class, a window, and a host. In the end nothing of the control may be left.
 class ControlTest : public testing::Test {
   protected:
+    /// @param sharesChromium whether the controls of the case use the Chromium that the cases share. It is started for the first
+    ///                       of them, and anew after its end. Otherwise they start one, which has to end with them.
+    explicit ControlTest(bool sharesChromium = true) : shares_(sharesChromium) {}
+
     void SetUp() override;
     void TearDown() override;
 
@@ -94,7 +101,8 @@ class ControlTest : public testing::Test {
     DWORD cookie = 0;
 
   private:
-    std::vector<std::string> foldersBefore_; // of processes that were killed
+    bool shares_;
+    std::vector<std::string> foldersBefore_; // that of the shared Chromium
 };
 
 } // namespace legacy_control_test

@@ -136,7 +136,7 @@ TEST_F(ControlTest, SupplyingTwiceIsTheSameAsOnce) {
     ComPtr<IOleObject> other;
     const HRESULT result = CoCreateInstance(CLSID_WebBrowser, nullptr, CLSCTX_INPROC_SERVER, IID_IOleObject,
                                             reinterpret_cast<void**>(other.GetAddressOf()));
-    EXPECT_EQ(LegacyControlLiveObjects(), 0) << "the platform's own would have come, result " << result;
+    EXPECT_EQ(LiveObjects(), 0) << "the platform's own would have come, result " << result;
 }
 
 TEST_F(ControlTest, ItCanBeSuppliedAgainAfterComWasClosed) {
@@ -144,7 +144,7 @@ TEST_F(ControlTest, ItCanBeSuppliedAgainAfterComWasClosed) {
     ASSERT_EQ(OleInitialize(nullptr), S_OK);
     EXPECT_TRUE(SupplyLegacyControl());
     Create();
-    EXPECT_EQ(LegacyControlLiveObjects(), 1);
+    EXPECT_EQ(LiveObjects(), 1);
 }
 
 } // namespace

@@ -35,6 +35,18 @@ std::vector<std::string> PartsOf(const std::string& line) {
     return parts;
 }
 
+void SetUserAgent(std::string agent) {
+    UrlMkSetSessionOption(URLMON_OPTION_USERAGENT, agent.data(), static_cast<DWORD>(agent.size() + 1), 0);
+}
+
+std::string UserAgent() {
+    DWORD size = 0;
+    UrlMkGetSessionOption(URLMON_OPTION_USERAGENT, nullptr, 0, &size, 0);
+    std::string text(size, '\0');
+    UrlMkGetSessionOption(URLMON_OPTION_USERAGENT, text.data(), size, &size, 0);
+    return text.substr(0, text.find('\0'));
+}
+
 class RequestTest : public ControlTest {
   protected:
     void SetUp() override {
@@ -43,12 +55,14 @@ class RequestTest : public ControlTest {
     }
 
     void TearDown() override {
+        SetUserAgent(userAgentBefore_);
         // The store is the process's.
         for (const char* name : {"open", "hidden", "way", "goal", "more", "script", "late", "later", "gone",
                                  "kept", "cross", "shared"}) {
             Store(name, "x; Path=/; Expires=Thu, 01 Jan 1970 00:00:01 GMT");
         }
         Store("folder", "x; Path=/sub; Expires=Thu, 01 Jan 1970 00:00:01 GMT");
+        EXPECT_THAT(Stored("/sub/aged", true), testing::IsEmpty());
         ControlTest::TearDown();
     }
 
@@ -71,6 +85,9 @@ class RequestTest : public ControlTest {
         return requests.empty() ? std::vector<std::string>{"no request"}
                                 : PartsOf(HeaderOf(requests.back(), "Cookie"));
     }
+
+  private:
+    const std::string userAgentBefore_ = UserAgent();
 };
 
 TEST_F(RequestTest, TheServersCookiesAreStored) {
@@ -218,12 +235,12 @@ TEST_F(RequestTest, EveryRequestSaysWhatUrlmonSaysNow) {
     pages.Add("/picture", "no picture");
     pages.Add("/", "<img src=/picture>");
     std::string agent = "A test's own agent";
-    UrlMkSetSessionOption(URLMON_OPTION_USERAGENT, agent.data(), static_cast<DWORD>(agent.size() + 1), 0);
+    SetUserAgent(agent);
     ASSERT_TRUE(Load(pages.Url("/")));
     EXPECT_EQ(HeaderOf(pages.Requests("/").back(), "User-Agent"), agent);
     EXPECT_EQ(HeaderOf(pages.Requests("/picture").back(), "User-Agent"), agent);
     agent = "Another agent";
-    UrlMkSetSessionOption(URLMON_OPTION_USERAGENT, agent.data(), static_cast<DWORD>(agent.size() + 1), 0);
+    SetUserAgent(agent);
     ASSERT_TRUE(Load(pages.Url("/")));
     EXPECT_EQ(HeaderOf(pages.Requests("/").back(), "User-Agent"), agent);
 }

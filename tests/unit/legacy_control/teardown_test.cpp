@@ -8,10 +8,12 @@ namespace {
 
 using testing::IsEmpty;
 
-class TeardownTest : public ControlTest {
+class ClosingTest : public ControlTest {
   protected:
+    explicit ClosingTest(bool sharesChromium = true) : ControlTest(sharesChromium) {}
+
     void SetUp() override {
-        ControlTest::SetUp();
+        ASSERT_NO_FATAL_FAILURE(ControlTest::SetUp());
         pages.Add("/", "<script>external.norv()</script>");
     }
 
@@ -33,6 +35,12 @@ class TeardownTest : public ControlTest {
         EXPECT_THAT(host.calls, IsEmpty());
         EXPECT_THAT(host.events, IsEmpty());
     }
+};
+
+/// Chromium has to end as well.
+class TeardownTest : public ClosingTest {
+  protected:
+    TeardownTest() : ClosingTest(false) {}
 };
 
 TEST_F(TeardownTest, NeverUsed) {
@@ -87,7 +95,7 @@ TEST_F(TeardownTest, TheLastReleaseAloneEndsIt) {
     LoadPage();
     cookie = 0;
     control.Reset();
-    EXPECT_EQ(LegacyControlLiveObjects(), 0);
+    EXPECT_EQ(LiveObjects(), 0);
     EXPECT_THAT(Processes(), IsEmpty());
     EXPECT_EQ(host.References(), 0);
 }
@@ -133,7 +141,7 @@ TEST_F(TeardownTest, TwoControlsShareAChromiumUntilTheLastIsClosed) {
     cookie = firstCookie;
 }
 
-class TeardownInEventTest : public TeardownTest, public testing::WithParamInterface<DISPID> {};
+class TeardownInEventTest : public ClosingTest, public testing::WithParamInterface<DISPID> {};
 
 TEST_P(TeardownInEventTest, CloseWorksInside) {
     pages.Add("/", "<title>page</title>");
@@ -158,7 +166,7 @@ INSTANTIATE_TEST_SUITE_P(Events, TeardownInEventTest,
                                          DISPID_NAVIGATECOMPLETE2, DISPID_TITLECHANGE,
                                          DISPID_DOCUMENTCOMPLETE));
 
-class TeardownInCallTest : public TeardownTest, public testing::WithParamInterface<const char*> {};
+class TeardownInCallTest : public ClosingTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(TeardownInCallTest, CloseWorksInside) {
     Create();

@@ -174,7 +174,7 @@ TEST_F(CertificateTest, CloseWorksFromInsideTheHandler) {
         ReleaseAll();
     });
     ASSERT_EQ(view->Navigate(Url().c_str()), S_OK);
-    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 0; }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 0; }));
 }
 
 TEST_F(CertificateTest, CloseWorksFromInsideTheRelease) {
@@ -185,7 +185,7 @@ TEST_F(CertificateTest, CloseWorksFromInsideTheRelease) {
     const EventRegistrationToken token =
         OnCertificateError([atItsEnd = std::shared_ptr<void>(nullptr, close)](auto*) {});
     EXPECT_EQ(view->remove_ServerCertificateErrorDetected(token), S_OK);
-    EXPECT_EQ(Runtime().objectCount(), 0U);
+    EXPECT_EQ(LiveObjects(), 0U);
 }
 
 } // namespace

@@ -188,7 +188,7 @@ TEST_F(ChallengeTest, CloseWorksFromInsideTheHandler) {
         ReleaseAll();
     });
     ASSERT_EQ(view->Navigate(server.Url(L"/page").c_str()), S_OK);
-    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 0; }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 0; }));
     EXPECT_EQ(server.Requests().size(), 1U);
 }
 

@@ -213,7 +213,7 @@ TEST_F(WithThreeClientCertificates, CloseWorksFromInsideTheHandler) {
         ReleaseAll();
     });
     ASSERT_EQ(view->Navigate(server.Url(L"/page").c_str()), S_OK);
-    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 0; }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 0; }));
     EXPECT_TRUE(server.Requests().empty());
     EXPECT_EQ(boxes.Count(), 0);
 }
@@ -226,12 +226,13 @@ TEST_F(WithThreeClientCertificates, CloseWorksWhileTheBoxIsOpen) {
         ReleaseAll();
     });
     ASSERT_EQ(view->Navigate(server.Url(L"/page").c_str()), S_OK);
-    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 0; }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 0; }));
     EXPECT_EQ(boxes.Count(), 1);
     EXPECT_TRUE(server.Requests().empty());
 }
 
 TEST_F(WithThreeClientCertificates, ChromiumMayDieWhileTheBoxIsOpen) {
+    ASSERT_NO_FATAL_FAILURE(UseChromiumOfItsOwn());
     const MessageBoxes boxes(kCertificateBox, IDOK, [&](HWND /*box*/) { KillChromium(); });
     const auto completion = Load(server.Url(L"/page"));
     ASSERT_TRUE(completion);

@@ -120,6 +120,7 @@ TEST_F(WebViewTest, WithScriptsDisabledPagesRunNone) {
 }
 
 TEST_F(RuntimeTest, AControllerNeedsAWindowAndAHandler) {
+    ShareChromium();
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
     const auto handler = MakeHandler<ICoreWebView2CreateCoreWebView2ControllerCompletedHandler>(
@@ -130,6 +131,7 @@ TEST_F(RuntimeTest, AControllerNeedsAWindowAndAHandler) {
 }
 
 TEST_F(RuntimeTest, AParentDestroyedDuringCreationCompletesItWithAbortAtOnce) {
+    ShareChromium();
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
     const auto results = std::make_shared<std::vector<HRESULT>>();
@@ -144,11 +146,12 @@ TEST_F(RuntimeTest, AParentDestroyedDuringCreationCompletesItWithAbortAtOnce) {
     DestroyWindow(parent);
     EXPECT_EQ(*results, std::vector<HRESULT>{E_ABORT});
     environment.Reset();
-    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 0; }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 0; }));
     EXPECT_EQ(results->size(), 1U);
 }
 
 TEST_F(RuntimeTest, AControllerCompletesAfterItsEnvironmentWasReleased) {
+    ShareChromium();
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
     controller =
@@ -165,13 +168,14 @@ TEST_F(RuntimeTest, AControllerCompletesAfterItsEnvironmentWasReleased) {
 }
 
 TEST_F(RuntimeTest, AControllerThatNobodyKeepsClosesItself) {
+    ShareChromium();
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
     const auto result = Completed<ICoreWebView2CreateCoreWebView2ControllerCompletedHandler, HRESULT>(
         [&](auto* handler) { return environment->CreateCoreWebView2Controller(parent, handler); },
         [](HRESULT code, ICoreWebView2Controller*) { return code; });
     EXPECT_EQ(result, S_OK);
-    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 1; }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 1; }));
     EXPECT_EQ(ChildOf(parent), nullptr);
 }
 
@@ -217,10 +221,10 @@ TEST_F(WebViewTest, ObjectsMayBeReleasedInAnyOrderAfterComIsGone) {
     controller.Reset();
     view.Reset();
     settings.Reset();
-    EXPECT_EQ(Runtime().objectCount(), 1U);
+    EXPECT_EQ(LiveObjects(), 1U);
     EXPECT_EQ(cookies->DeleteAllCookies(), kClosed);
     cookies.Reset();
-    EXPECT_EQ(Runtime().objectCount(), 0U);
+    EXPECT_EQ(LiveObjects(), 0U);
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
 }
 
@@ -229,7 +233,7 @@ TEST_F(WebViewTest, AnUnclosedWebViewMayBeReleasedAfterComIsGone) {
     environment.Reset();
     view.Reset();
     controller.Reset();
-    EXPECT_EQ(Runtime().objectCount(), 0U);
+    EXPECT_EQ(LiveObjects(), 0U);
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
 }
 
@@ -263,7 +267,7 @@ TEST_F(WebViewTest, CloseWorksFromInsideAnyHandler) {
         ReleaseAll();
     });
     ASSERT_EQ(view->Navigate(server.Url().c_str()), S_OK);
-    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 0; }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 0; }));
     EXPECT_TRUE(server.Requests().empty());
 }
 
@@ -275,7 +279,7 @@ TEST_F(WebViewTest, CloseWorksFromInsideARequestHandler) {
         ReleaseAll();
     });
     ASSERT_EQ(view->Navigate(server.Url().c_str()), S_OK);
-    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 0; }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 0; }));
 }
 
 TEST_F(WebViewTest, CloseWorksFromInsideTheCompletion) {
@@ -289,7 +293,7 @@ TEST_F(WebViewTest, CloseWorksFromInsideTheCompletion) {
                                       &token),
         S_OK);
     ASSERT_EQ(view->Navigate(server.Url().c_str()), S_OK);
-    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 0; }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 0; }));
 }
 
 TEST_F(WebViewTest, CallsFromAnotherThreadAreRefused) {

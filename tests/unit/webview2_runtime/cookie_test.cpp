@@ -261,6 +261,9 @@ TEST_F(CookieTest, AListIsASnapshot) {
 }
 
 TEST_F(CookieTest, AFailureIsReportedWhenChromiumIsGone) {
+    manager.Reset();
+    ASSERT_NO_FATAL_FAILURE(UseChromiumOfItsOwn());
+    ASSERT_EQ(view->get_CookieManager(&manager), S_OK);
     KillChromium();
     const ListAnswer answer = List(L"", manager.Get());
     EXPECT_EQ(answer.result, E_FAIL);

@@ -194,6 +194,7 @@ TEST_F(EnvironmentTest, ADeadChromiumFailsTheNextControllerAndLetsTheFolderGo) {
 }
 
 TEST_F(EnvironmentTest, AnswersAllItsInterfacesAndNoOther) {
+    ShareChromium();
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
     ComPtr<IUnknown> unknown;
@@ -208,6 +209,7 @@ TEST_F(EnvironmentTest, AnswersAllItsInterfacesAndNoOther) {
 }
 
 TEST_F(EnvironmentTest, ControllerOptionsKeepModeAndProfile) {
+    ShareChromium();
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
     ComPtr<ICoreWebView2Environment10> environment10;
@@ -232,6 +234,7 @@ class RequestMakingTest : public RuntimeTest {
   protected:
     void SetUp() override {
         RuntimeTest::SetUp();
+        ShareChromium();
         environment = MakeEnvironment(folder).environment;
         ASSERT_TRUE(environment);
         ASSERT_EQ(environment.As(&environment2), S_OK);

@@ -229,7 +229,7 @@ TEST_F(HostObjectTest, TheObjectMayCloseTheWebViewWhileItIsCalled) {
     };
     member.object = &host; // handed out after the end
     Run(L"setTimeout(() => window.external.norv()); 1");
-    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 0; }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 0; }));
     EXPECT_EQ(calls, (Calls{kNames, kGet, kCall}));
     EXPECT_EQ(host.references, 0U);
 }

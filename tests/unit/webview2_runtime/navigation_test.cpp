@@ -282,6 +282,7 @@ TEST_F(NavigationTest, ARendererThatDiesFailsItsScriptAndTheNextNavigationWorks)
 }
 
 TEST_F(NavigationTest, AnOpenNavigationFailsWhenChromiumDies) {
+    ASSERT_NO_FATAL_FAILURE(UseChromiumOfItsOwn());
     const auto completion = CompletionAfter([&] {
         ASSERT_EQ(view->Navigate(server.Url(L"/never").c_str()), S_OK);
         ASSERT_TRUE(PumpUntil([&] { return Count(server, "/never") == 1; }));

@@ -336,7 +336,7 @@ TEST_F(ResponseTest, CloseWorksFromInsideTheHandler) {
         ReleaseAll();
     });
     ASSERT_EQ(view->Navigate(server.Url(L"/first").c_str()), S_OK);
-    EXPECT_TRUE(PumpUntil([] { return Runtime().objectCount() == 0; }));
+    EXPECT_TRUE(PumpUntil([] { return LiveObjects() == 0; }));
     PumpWaiting();
     EXPECT_EQ(calls, 1);
 }

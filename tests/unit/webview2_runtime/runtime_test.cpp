@@ -16,11 +16,57 @@ void LookUp(HMODULE module, const char* name, Function& function) {
 }
 
 std::wstring UniqueFolder() {
-    const std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / (L"kelda-runtime-" + std::to_wstring(GetCurrentProcessId()) +
-                                                  L"-" + std::to_wstring(GetTickCount64()));
-    return folder.native();
+    static int count = 0;
+    const std::wstring name = L"kelda-runtime-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                              std::to_wstring(GetTickCount64()) + L"-" + std::to_wstring(++count);
+    return (std::filesystem::temp_directory_path() / name).native();
 }
+
+std::string MarkOf(const std::wstring& folder) {
+    return std::filesystem::path(folder).filename().string();
+}
+
+/// Keeps a Chromium by an environment that no case sees.
+class SharedChromium final : public testing::Environment {
+  public:
+    /// Opens the environment, unless its Chromium still runs. Needs a single-threaded apartment.
+    void Open() {
+        if (environment_ && test_support::NativeState(process_) != '?') {
+            return;
+        }
+        End();
+        folder_ = UniqueFolder();
+        environment_ = Completed<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler,
+                                 ComPtr<ICoreWebView2Environment>>(
+                           [this](auto* handler) {
+                               return Runtime().createWithOptions(nullptr, folder_.c_str(), nullptr, handler);
+                           },
+                           [](HRESULT, ICoreWebView2Environment* created) { return created; })
+                           .value_or(nullptr);
+        process_ = test_support::NativeChromium(MarkOf(folder_));
+    }
+    /// Ends Chromium; nothing of it may be left.
+    void End() {
+        environment_.Reset();
+        if (!folder_.empty()) {
+            EXPECT_EQ(LiveObjects(), 0U);
+            EXPECT_TRUE(PumpUntil([this] { return test_support::NativeProcesses(MarkOf(folder_)).empty(); }));
+            test_support::RemoveNatively(std::exchange(folder_, {}));
+        }
+    }
+    void TearDown() override { End(); }
+
+    const std::wstring& Folder() const { return folder_; }
+    DWORD Objects() const { return environment_ ? 1 : 0; }
+
+  private:
+    std::wstring folder_; // empty while there is no Chromium
+    ComPtr<ICoreWebView2Environment> environment_;
+    int process_ = 0;
+};
+
+// GoogleTest takes ownership.
+auto* sharedChromium = static_cast<SharedChromium*>(testing::AddGlobalTestEnvironment(new SharedChromium));
 
 /// Adds a handler of an event, made of a function that gets the event's arguments.
 template <typename Handler, typename Add, typename Function>
@@ -49,6 +95,10 @@ const Loader& Runtime() {
     return loader;
 }
 
+DWORD LiveObjects() {
+    return Runtime().objectCount() - sharedChromium->Objects();
+}
+
 std::wstring TextFrom(const std::function<HRESULT(LPWSTR*)>& getter) {
     LPWSTR text = nullptr;
     const HRESULT result = getter(&text);
@@ -71,21 +121,35 @@ void RuntimeTest::SetUp() {
 
 void RuntimeTest::TearDown() {
     ReleaseAll();
-    EXPECT_EQ(Runtime().objectCount(), 0U);
+    EXPECT_EQ(LiveObjects(), 0U);
     EXPECT_EQ(liveHandlers, 0);
-    EXPECT_TRUE(PumpUntil([&] { return test_support::NativeProcesses(Mark()).empty(); }));
+    if (!shares_) {
+        EXPECT_TRUE(PumpUntil([&] { return test_support::NativeProcesses(Mark()).empty(); }));
+        test_support::RemoveNatively(folder);
+    }
     if (IsWindow(parent) != FALSE) {
         DestroyWindow(parent);
     }
     CoUninitialize();
-    test_support::RemoveNatively(folder);
 }
 
 std::string RuntimeTest::Mark() const {
-    return std::filesystem::path(folder).filename().string();
+    return MarkOf(folder);
+}
+
+void RuntimeTest::ShareChromium() {
+    sharedChromium->Open();
+    folder = sharedChromium->Folder();
+    shares_ = true;
+}
+
+void RuntimeTest::UseFolderOfItsOwn() {
+    folder = UniqueFolder();
+    shares_ = false;
 }
 
 void RuntimeTest::KillChromium() const {
+    ASSERT_FALSE(shares_);
     const int process = test_support::NativeChromium(Mark());
     ASSERT_NE(process, 0);
     test_support::KillNative(process);
@@ -129,6 +193,12 @@ RuntimeTest::MadeController RuntimeTest::MakeController(bool inPrivate) {
 
 void WebViewTest::SetUp() {
     RuntimeTest::SetUp();
+    ShareChromium();
+    ASSERT_NO_FATAL_FAILURE(MakeWebView());
+    DeleteCookies();
+}
+
+void WebViewTest::MakeWebView() {
     environment = MakeEnvironment(folder).environment;
     ASSERT_TRUE(environment);
     controller = MakeController().controller;
@@ -136,6 +206,31 @@ void WebViewTest::SetUp() {
     ComPtr<ICoreWebView2> first;
     ASSERT_EQ(controller->get_CoreWebView2(&first), S_OK);
     ASSERT_EQ(first.As(&view), S_OK);
+}
+
+void WebViewTest::UseChromiumOfItsOwn() {
+    EXPECT_EQ(controller->Close(), S_OK);
+    ReleaseAll();
+    UseFolderOfItsOwn();
+    MakeWebView();
+}
+
+/// The case before may have left some.
+void WebViewTest::DeleteCookies() const {
+    ComPtr<ICoreWebView2CookieManager> manager;
+    ASSERT_EQ(view->get_CookieManager(&manager), S_OK);
+    EXPECT_EQ(manager->DeleteAllCookies(), S_OK);
+    EXPECT_TRUE(PumpUntil([&] {
+        return Completed<ICoreWebView2GetCookiesCompletedHandler, UINT32>(
+                   [&](auto* handler) { return manager->GetCookies(nullptr, handler); },
+                   [](HRESULT, ICoreWebView2CookieList* list) {
+                       UINT32 count = 1;
+                       if (list != nullptr) {
+                           list->get_Count(&count);
+                       }
+                       return count;
+                   }) == 0U;
+    }));
 }
 
 void WebViewTest::TearDown() {

@@ -43,6 +43,9 @@ struct Loader {
 
 const Loader& Runtime();
 
+/// The number of live objects of the runtime, without the environment that keeps the shared Chromium.
+DWORD LiveObjects();
+
 /// Starts something that completes with a call of a handler, and waits for that. The call has to come after the start, and
 /// only once.
 ///
@@ -74,7 +77,7 @@ struct Completion {
 };
 
 /// A single-threaded apartment, a window to be the parent, and a profile folder of the test's own. At the end everything
-/// of the runtime has to be gone, and every Chromium on the folder.
+/// of the runtime has to be gone, and every Chromium on that folder.
 class RuntimeTest : public testing::Test {
   protected:
     void SetUp() override;
@@ -95,7 +98,14 @@ class RuntimeTest : public testing::Test {
     };
     MadeController MakeController(bool inPrivate = false);
 
-    /// As a crash would; it has ended on return.
+    /// Exchanges the folder for that of the Chromium that the cases share. It is opened for the first of them, and anew after
+    /// a crash.
+    void ShareChromium();
+
+    /// Exchanges the shared folder for the test's own.
+    void UseFolderOfItsOwn();
+
+    /// As a crash would; it has ended on return. Only for a folder of the test's own.
     void KillChromium() const;
 
     /// Everything that a host holds, gone.
@@ -110,13 +120,18 @@ class RuntimeTest : public testing::Test {
   private:
     /// In the command lines of the machine's processes that use the folder.
     std::string Mark() const;
+
+    bool shares_ = false;
 };
 
-/// With an environment, a controller and a web view from the start.
+/// With an environment, a controller and a web view on the shared Chromium from the start, and without cookies.
 class WebViewTest : public RuntimeTest {
   protected:
     void SetUp() override;
     void TearDown() override;
+
+    /// Exchanges all that for the same on a Chromium of the test's own. For cases about its end.
+    void UseChromiumOfItsOwn();
 
     /// Waits for the completion of the next navigation, which `start` starts.
     std::optional<Completion> CompletionAfter(const std::function<void()>& start);
@@ -140,6 +155,10 @@ class WebViewTest : public RuntimeTest {
         std::function<void(ICoreWebView2ServerCertificateErrorDetectedEventArgs* arguments)> handler) const;
     EventRegistrationToken OnClientCertificate(
         std::function<void(ICoreWebView2ClientCertificateRequestedEventArgs* arguments)> handler) const;
+
+  private:
+    void MakeWebView();
+    void DeleteCookies() const;
 };
 
 } // namespace webview2_runtime_test

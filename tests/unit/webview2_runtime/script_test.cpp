@@ -66,6 +66,7 @@ TEST_F(ScriptTest, ResultsComeAsJson) {
 }
 
 TEST_F(ScriptTest, AFailedDocumentScriptIsReportedWhenChromiumIsGone) {
+    ASSERT_NO_FATAL_FAILURE(UseChromiumOfItsOwn());
     KillChromium();
     const auto result = Completed<ICoreWebView2AddScriptToExecuteOnDocumentCreatedCompletedHandler, HRESULT>(
         [&](auto* handler) { return view->AddScriptToExecuteOnDocumentCreated(L"1", handler); },
