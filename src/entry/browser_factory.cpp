@@ -1,4 +1,5 @@
 // The choice of the browser's backend.
+#include <memory>
 #include <stdexcept>
 
 #include "browser_edge/runtime_check.h"

@@ -1,6 +1,7 @@
 // The table of folders and the starts that are under way.
 #include "testbed/chromium/browser_opening.h"
 
+#include <string_view>
 #include <utility>
 
 #include "testbed/chromium/launch.h"

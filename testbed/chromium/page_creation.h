@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "testbed/chromium/browser.h"
 #include "testbed/chromium/connection.h"

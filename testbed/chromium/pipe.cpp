@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <exception>
+#include <functional>
 #include <iterator>
 #include <system_error>
 #include <utility>

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
+#include <utility>
 
 #include "testbed/chromium/header_text.h"
 

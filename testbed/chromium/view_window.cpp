@@ -2,6 +2,7 @@
 #include "testbed/chromium/view_window.h"
 
 #include <algorithm>
+#include <string>
 #include <system_error>
 #include <utility>
 

@@ -2,6 +2,7 @@
 #include "host_site.h"
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 #include "com_object.h"

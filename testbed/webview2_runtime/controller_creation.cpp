@@ -2,6 +2,7 @@
 #include "controller_creation.h"
 
 #include <memory>
+#include <new>
 #include <system_error>
 #include <utility>
 

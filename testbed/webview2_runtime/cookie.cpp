@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <tuple>
+#include <utility>
 
 #include "com_text.h"
 #include "testbed/chromium/text.h"

@@ -2,6 +2,8 @@
 #include "cookie_manager.h"
 
 #include <algorithm>
+#include <new>
+#include <optional>
 #include <string>
 #include <utility>
 

@@ -2,6 +2,7 @@
 #include "environment_creation.h"
 
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
 

@@ -2,6 +2,7 @@
 #include "response_view.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "com_text.h"
 

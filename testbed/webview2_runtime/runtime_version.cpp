@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string_view>
+#include <system_error>
 
 #include "testbed/chromium/text.h"
 #include "testbed/windows_gaps/environment_text.h"

@@ -2,6 +2,7 @@
 #include "web_resource_request.h"
 
 #include <algorithm>
+#include <memory>
 #include <string_view>
 #include <utility>
 

@@ -1,6 +1,7 @@
 // Opening, closing, and what the web view hands out.
 #include "web_view.h"
 
+#include <memory>
 #include <utility>
 
 #include "com_text.h"

@@ -1,6 +1,8 @@
 // Scripts of the host's in pages, and objects of the host's in scripts.
 #include "web_view.h"
 
+#include <functional>
+#include <new>
 #include <optional>
 #include <string>
 #include <utility>

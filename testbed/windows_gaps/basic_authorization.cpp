@@ -1,6 +1,7 @@
 // Puts the header together without leaving anything of it behind.
 #include "basic_authorization.h"
 
+#include <algorithm>
 #include <memory>
 #include <string_view>
 

@@ -2,6 +2,7 @@
 // same name and value for several paths.
 #include "cookie_table.h"
 
+#include <optional>
 #include <set>
 
 namespace windows_gaps {

@@ -2,6 +2,7 @@
 #include "prompt_log.h"
 
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 

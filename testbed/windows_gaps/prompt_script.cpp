@@ -2,6 +2,7 @@
 #include "prompt_script.h"
 
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <map>

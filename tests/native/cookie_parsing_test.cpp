@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <functional>
 #include <random>
 #include <stdexcept>

@@ -2,6 +2,7 @@
 #include "options/text_option.h"
 
 #include <cwchar>
+#include <utility>
 
 namespace webview2_detail {
 namespace {

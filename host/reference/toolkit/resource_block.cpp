@@ -1,6 +1,8 @@
 // Reads a block's two sections; the order in which they stand does not matter.
 #include "toolkit/resource_block.h"
 
+#include <utility>
+
 #include "toolkit/dialog_description.h"
 
 namespace host_reference {

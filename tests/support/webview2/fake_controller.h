@@ -3,6 +3,7 @@
 
 #include <array>
 #include <string>
+#include <utility>
 
 #include "tests/support/webview2/fake_web_view.h"
 

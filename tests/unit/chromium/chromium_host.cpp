@@ -1,6 +1,7 @@
 // Another process with a browser: opens the folder of its first argument, sets the event of its second when it is open, and
 // goes on until it is ended.
 #include <memory>
+#include <utility>
 
 #include "testbed/chromium/browser.h"
 

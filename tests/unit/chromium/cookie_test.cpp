@@ -1,6 +1,7 @@
 // Cookies: set, read and deleted, and the profiles that they belong to.
 #include <algorithm>
 #include <ctime>
+#include <optional>
 
 #include "tests/unit/chromium/chromium_test.h"
 

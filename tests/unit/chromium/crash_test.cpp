@@ -1,6 +1,11 @@
 // What comes of it when a renderer or all of Chromium goes.
 #include "tests/unit/chromium/secure_server.h"
 
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
 namespace chromium_test {
 namespace {
 

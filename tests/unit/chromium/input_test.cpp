@@ -1,6 +1,8 @@
 // Window messages in the words of the protocol, without a page.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "testbed/chromium/view_input.h"
 
 namespace testbed::chromium {

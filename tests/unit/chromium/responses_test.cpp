@@ -1,5 +1,6 @@
 // The bookkeeping of answers alone: orders of events that a real Chromium only now and then has.
 #include <algorithm>
+#include <utility>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 // Certificates that Chromium does not trust, and servers that ask who is there.
 #include <algorithm>
+#include <utility>
 
 #include "testbed/chromium/text.h"
 #include "testbed/chromium/trust.h"

@@ -1,4 +1,5 @@
 // Calls that come twice, late, early or from inside one another, and exceptions that end in the dialog.
+#include <new>
 #include <stdexcept>
 
 #include <gtest/gtest.h>

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
+#include <utility>
 
 #include <exdispid.h>
 

@@ -1,6 +1,8 @@
 // window.external: what pages call and hosts hear.
 #include <exdispid.h>
 
+#include <utility>
+
 #include "tests/unit/legacy_control/control_test.h"
 
 namespace legacy_control_test {

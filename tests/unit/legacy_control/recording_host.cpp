@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include <exdispid.h>
 #include <gtest/gtest.h>

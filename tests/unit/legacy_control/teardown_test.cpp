@@ -1,6 +1,8 @@
 // The end of a control in every order. What has to be gone is looked at in TearDown.
 #include <exdispid.h>
 
+#include <utility>
+
 #include "tests/unit/legacy_control/control_test.h"
 
 namespace legacy_control_test {

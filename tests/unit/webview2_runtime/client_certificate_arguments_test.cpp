@@ -1,6 +1,8 @@
 // Servers that ask for a client certificate: what the host learns of them, and when they do not ask.
 #include "tests/unit/webview2_runtime/client_certificate_test.h"
 
+#include <vector>
+
 namespace webview2_runtime_test {
 namespace {
 

@@ -1,4 +1,5 @@
 // The environment on a real Chromium: what it is made with, and what it makes.
+#include <ios>
 #include <thread>
 
 #include <gmock/gmock.h>

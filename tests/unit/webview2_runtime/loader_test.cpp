@@ -1,6 +1,7 @@
 // The loader's exports as far as they need no Chromium: versions, arguments and apartments.
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 #include <thread>
 
 #include <objbase.h>

@@ -1,6 +1,7 @@
 // Which answers hold a Basic challenge.
 #include "testbed/windows_gaps/challenge_header.h"
 
+#include <ostream>
 #include <string>
 
 #include <gtest/gtest.h>
