@@ -1,0 +1,166 @@
+"""Writes the steps of the linters as a file for Ninja: lint/steps.ninja in the build folder.
+
+Each step has a stamp, which is touched only if the step has no finding. So a later run repeats the steps with findings, the
+steps whose files have changed, and the steps that an interrupted run did not reach.
+"""
+
+import argparse
+import collections
+import json
+import pathlib
+import re
+import shlex
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+ROOMS = ("include", "src", "host", "webview2", "testbed", "tests")
+SOURCES_A_BATCH = 12
+
+# g++'s own headers are replaced by clang's.
+COMPILER_HEADERS = re.compile(r"/lib/gcc/[^/]+/[^/]+/include(-fixed)?$")
+
+CPPCHECK = ("cppcheck --quiet --error-exitcode=1 --platform=win64 --library=windows --library=googletest --std=c++20"
+            " --language=c++ --inline-suppr --enable=warning,performance,portability --suppress=missingIncludeSystem")
+
+
+class Steps:
+    """The text of the Ninja file. Its commands are run in the repository's top folder."""
+
+    def __init__(self, folder: pathlib.Path) -> None:
+        self.folder = folder
+        self.stamps: dict[str, list[str]] = collections.defaultdict(list)
+        self.lines = ["ninja_required_version = 1.8", f"builddir = {folder}",
+                      "rule step", "  command = $run", "  description = $out"]
+
+    def add(self, linter: str, name: str, command: str, files: list[str], makes_depfile: bool = False) -> None:
+        """Adds a step. `{stamp}` in the command is replaced by the stamp's path. A step with a depfile touches its stamp itself."""
+        stamp = self.folder / linter / f"{name}.stamp"
+        stamp.parent.mkdir(parents=True, exist_ok=True)
+        command = command.format(stamp=shlex.quote(str(stamp)))
+        if not makes_depfile:
+            command += f" && touch {shlex.quote(str(stamp))}"
+        self.lines += [f"build {escape(str(stamp))}: step {' '.join(escape(file) for file in files)}",
+                       f"  run = {command.replace('$', '$$')}"]
+        if makes_depfile:
+            self.lines += [f"  depfile = {stamp}.d", "  deps = gcc"]
+        self.stamps[linter].append(escape(str(stamp)))
+
+    def write(self) -> None:
+        targets = [f"build {linter}: phony {' '.join(stamps)}" for linter, stamps in self.stamps.items()]
+        text = "\n".join([*self.lines, *targets, ""])
+        (self.folder / "steps.ninja").write_text(text, "utf-8")
+
+
+def escape(path: str) -> str:
+    return re.sub(r"([$: ])", r"$\1", path)
+
+
+def find(*patterns: str, rooms: tuple[str, ...] = ROOMS) -> list[str]:
+    return sorted(str(path.relative_to(ROOT)) for room in rooms for pattern in patterns for path in (ROOT / room).rglob(pattern))
+
+
+def by_folder(files: list[str]) -> dict[str, list[str]]:
+    folders: dict[str, list[str]] = collections.defaultdict(list)
+    for file in files:
+        folders[str(pathlib.Path(file).parent)].append(file)
+    return folders
+
+
+def read_flags(build: pathlib.Path) -> tuple[str, dict[str, str]]:
+    """Returns the compiler and the flags of each source. A source with several sets of flags gets the set that is the most
+    frequent one in its folder."""
+    choices: dict[str, list[str]] = collections.defaultdict(list)
+    frequency: collections.Counter[tuple[str, str]] = collections.Counter()
+    compiler = ""
+    for entry in json.loads((build / "compile_commands.json").read_text("utf-8")):
+        source = pathlib.Path(entry["file"])
+        if source.suffix != ".cpp" or not any(source.is_relative_to(ROOT / room) for room in ROOMS):
+            continue
+        words = shlex.split(entry["command"])
+        first_flag = next(index for index, word in enumerate(words) if word.startswith("-"))
+        compiler = words[first_flag - 1]
+        name = str(source.relative_to(ROOT))
+        flags = shlex.join(words[first_flag : words.index("-o")])
+        choices[name].append(flags)
+        frequency[str(source.parent), flags] += 1
+    return compiler, {
+        name: max(sets, key=lambda flags, name=name: frequency[str((ROOT / name).parent), flags])
+        for name, sets in choices.items()
+    }
+
+
+def batches(flags_of: dict[str, str]) -> list[tuple[str, str, list[str]]]:
+    """Returns name, flags and sources of each batch: sources of one folder with the same flags."""
+    groups: dict[tuple[str, str], list[str]] = collections.defaultdict(list)
+    for name in sorted(flags_of):
+        groups[str(pathlib.Path(name).parent), flags_of[name]].append(name)
+    result = []
+    numbers: collections.Counter[str] = collections.Counter()
+    for (folder, flags), names in groups.items():
+        count = -(-len(names) // SOURCES_A_BATCH)
+        for index in range(count):
+            numbers[folder] += 1
+            result.append((f"{folder}/batch_{numbers[folder]}", flags, names[index::count]))
+    return result
+
+
+def configurations(folder: pathlib.Path) -> list[str]:
+    """Returns the .clang-tidy files of a folder, the nearest one first."""
+    folders = [folder, *folder.parents]
+    return [str(path / ".clang-tidy") for path in folders[: folders.index(ROOT) + 1] if (path / ".clang-tidy").exists()]
+
+
+def add_tidy(steps: Steps, compiler: str, flags_of: dict[str, str], system_headers: list[str]) -> None:
+    clang_flags = ["--target=x86_64-w64-mingw32", "-Wno-unknown-warning-option"]
+    clang_flags += [f"-isystem{folder}" for folder in system_headers if not COMPILER_HEADERS.search(folder)]
+    clang = shlex.join(f"--clang-flag={flag}" for flag in clang_flags)
+    self_test = ["tests/lint/test_tidy_batch.py", "tools/tidy_batch.py", ".clang-tidy"]
+    steps.add("lint-tidy", "self_test", "python3 -B -m unittest tests.lint.test_tidy_batch", self_test)
+    for name, flags, sources in batches(flags_of):
+        used = configurations((ROOT / sources[0]).parent)
+        words = shlex.join(f"--flag={flag}" for flag in shlex.split(flags))
+        steps.add("lint-tidy", name,
+                  f"python3 tools/tidy_batch.py --stamp {{stamp}} --config {used[0]} --compiler {compiler} {words} {clang} "
+                  + shlex.join(sources), sources + used, makes_depfile=True)
+
+
+def add_alone(steps: Steps, compiler: str, flags_of: dict[str, str]) -> None:
+    for source, flags in flags_of.items():
+        steps.add("lint-alone", source,
+                  f"{compiler} {flags} -fsyntax-only -MMD -MT {{stamp}} -MF {{stamp}}.d {shlex.quote(source)} && touch {{stamp}}",
+                  [source], makes_depfile=True)
+
+
+def add_texts(steps: Steps) -> None:
+    """Adds the linters that need no flags of the compiler."""
+    files = find("*.cpp", "*.h")
+    for folder, names in by_folder(files).items():
+        steps.add("lint-format", folder, "clang-format --dry-run -Werror " + shlex.join(names), [*names, ".clang-format"])
+        # Without -I, cppcheck reads the headers of the source's own folder only.
+        steps.add("lint-cppcheck", folder, f"{CPPCHECK} {shlex.join(names)}", names)
+    modules = find("*.py", rooms=(*ROOMS, "tools"))
+    steps.add("lint-scripts", "python", "pyflakes3 " + shlex.join(modules), modules)
+    scripts = sorted(path.name for path in ROOT.glob("*.sh"))
+    scripts += ["tools/common.sh", "tools/run-in-wine", "tools/run-unit-test", ".ci/run"]
+    steps.add("lint-scripts", "shell", "shellcheck -x " + shlex.join(scripts), scripts)
+    includes = ["tools/check_includes.py", "tools/include_tables.py"]
+    steps.add("lint-includes", "rooms", f"python3 -B {includes[0]} {' '.join(ROOMS)}", [*files, *includes])
+
+
+def main() -> int:
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("build", type=pathlib.Path, help="the configured build folder, with compile_commands.json")
+    parser.add_argument("--system-headers", default="", help="the compiler's own header folders, separated by semicolons")
+    arguments = parser.parse_args()
+    build = arguments.build.resolve()
+    compiler, flags_of = read_flags(build)
+    steps = Steps(build / "lint")
+    add_texts(steps)
+    add_tidy(steps, compiler, flags_of, [folder for folder in arguments.system_headers.split(";") if folder])
+    add_alone(steps, compiler, flags_of)
+    steps.write()
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
