@@ -23,8 +23,8 @@
 namespace kelda {
 namespace {
 
-constexpr std::wstring_view kMonths[] = {L"jan", L"feb", L"mar", L"apr", L"may", L"jun",
-                                         L"jul", L"aug", L"sep", L"oct", L"nov", L"dec"};
+constexpr std::wstring_view kLowerCaseMonths[] = {L"jan", L"feb", L"mar", L"apr", L"may", L"jun",
+                                                  L"jul", L"aug", L"sep", L"oct", L"nov", L"dec"};
 
 /// The exact sum where it fits, else that of the rounded numbers: a cookie that outlives the scale does not wrap into
 /// the past.
@@ -37,8 +37,9 @@ double Sum(std::int64_t now, std::int64_t number) {
 
 /// 1 to 12; 0, which is no month, for another word.
 int MonthNumber(const std::wstring& word) {
-    const auto* const month = std::ranges::find(kMonths, ToLower(word));
-    return month == std::end(kMonths) ? 0 : static_cast<int>(month - std::begin(kMonths)) + 1;
+    const auto* const month = std::ranges::find(kLowerCaseMonths, ToLower(word));
+    return month == std::end(kLowerCaseMonths) ? 0
+                                               : static_cast<int>(month - std::begin(kLowerCaseMonths)) + 1;
 }
 
 /// The words of a date: weekday, day, month, year, hour, minute, second, zone.
