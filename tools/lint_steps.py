@@ -11,11 +11,13 @@ import pathlib
 import re
 import shlex
 import sys
+import typing
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 ROOMS = ("include", "src", "host", "webview2", "testbed", "tests")
 SOURCES_A_BATCH = 12
 
+TARGET = re.compile(r"CMakeFiles/([^/]+)\.dir/")
 # g++'s own headers are replaced by clang's.
 COMPILER_HEADERS = re.compile(r"/lib/gcc/[^/]+/[^/]+/include(-fixed)?$")
 
@@ -66,11 +68,18 @@ def by_folder(files: list[str]) -> dict[str, list[str]]:
     return folders
 
 
-def read_flags(build: pathlib.Path) -> tuple[str, dict[str, str]]:
-    """Returns the compiler and the flags of each source. A source with several sets of flags gets the set that is the most
-    frequent one in its folder."""
-    choices: dict[str, list[str]] = collections.defaultdict(list)
-    frequency: collections.Counter[tuple[str, str]] = collections.Counter()
+class Compilation(typing.NamedTuple):
+    """How a source is compiled. Sources of one target define `main` only once."""
+
+    target: str
+    flags: str
+
+
+def read_compilations(build: pathlib.Path) -> tuple[str, dict[str, Compilation]]:
+    """Returns the compiler, and the compilation of each source. For a source of several targets, the target is chosen that
+    has the most sources of its folder."""
+    choices: dict[str, list[Compilation]] = collections.defaultdict(list)
+    frequency: collections.Counter[tuple[str, Compilation]] = collections.Counter()
     compiler = ""
     for entry in json.loads((build / "compile_commands.json").read_text("utf-8")):
         source = pathlib.Path(entry["file"])
@@ -79,28 +88,27 @@ def read_flags(build: pathlib.Path) -> tuple[str, dict[str, str]]:
         words = shlex.split(entry["command"])
         first_flag = next(index for index, word in enumerate(words) if word.startswith("-"))
         compiler = words[first_flag - 1]
+        output = words.index("-o")
+        compilation = Compilation(TARGET.search(words[output + 1])[1], shlex.join(words[first_flag:output]))
         name = str(source.relative_to(ROOT))
-        flags = shlex.join(words[first_flag : words.index("-o")])
-        choices[name].append(flags)
-        frequency[str(source.parent), flags] += 1
+        choices[name].append(compilation)
+        frequency[str(pathlib.Path(name).parent), compilation] += 1
     return compiler, {
-        name: max(sets, key=lambda flags, name=name: frequency[str((ROOT / name).parent), flags])
-        for name, sets in choices.items()
+        name: max(compilations, key=lambda choice, name=name: frequency[str(pathlib.Path(name).parent), choice])
+        for name, compilations in choices.items()
     }
 
 
-def batches(flags_of: dict[str, str]) -> list[tuple[str, str, list[str]]]:
-    """Returns name, flags and sources of each batch: sources of one folder with the same flags."""
-    groups: dict[tuple[str, str], list[str]] = collections.defaultdict(list)
-    for name in sorted(flags_of):
-        groups[str(pathlib.Path(name).parent), flags_of[name]].append(name)
+def batches(compilations: dict[str, Compilation]) -> list[tuple[str, str, list[str]]]:
+    """Returns name, flags and sources of each batch: sources of one folder and one target."""
+    groups: dict[tuple[str, Compilation], list[str]] = collections.defaultdict(list)
+    for name in sorted(compilations):
+        groups[str(pathlib.Path(name).parent), compilations[name]].append(name)
     result = []
-    numbers: collections.Counter[str] = collections.Counter()
-    for (folder, flags), names in groups.items():
+    for (folder, compilation), names in groups.items():
         count = -(-len(names) // SOURCES_A_BATCH)
         for index in range(count):
-            numbers[folder] += 1
-            result.append((f"{folder}/batch_{numbers[folder]}", flags, names[index::count]))
+            result.append((f"{folder}/{compilation.target}_{index + 1}", compilation.flags, names[index::count]))
     return result
 
 
@@ -110,13 +118,13 @@ def configurations(folder: pathlib.Path) -> list[str]:
     return [str(path / ".clang-tidy") for path in folders[: folders.index(ROOT) + 1] if (path / ".clang-tidy").exists()]
 
 
-def add_tidy(steps: Steps, compiler: str, flags_of: dict[str, str], system_headers: list[str]) -> None:
+def add_tidy(steps: Steps, compiler: str, compilations: dict[str, Compilation], system_headers: list[str]) -> None:
     clang_flags = ["--target=x86_64-w64-mingw32", "-Wno-unknown-warning-option"]
     clang_flags += [f"-isystem{folder}" for folder in system_headers if not COMPILER_HEADERS.search(folder)]
     clang = shlex.join(f"--clang-flag={flag}" for flag in clang_flags)
     self_test = ["tests/lint/test_tidy_batch.py", "tools/tidy_batch.py", ".clang-tidy"]
     steps.add("lint-tidy", "self_test", "python3 -B -m unittest tests.lint.test_tidy_batch", self_test)
-    for name, flags, sources in batches(flags_of):
+    for name, flags, sources in batches(compilations):
         used = configurations((ROOT / sources[0]).parent)
         words = shlex.join(f"--flag={flag}" for flag in shlex.split(flags))
         steps.add("lint-tidy", name,
@@ -124,8 +132,8 @@ def add_tidy(steps: Steps, compiler: str, flags_of: dict[str, str], system_heade
                   + shlex.join(sources), sources + used, makes_depfile=True)
 
 
-def add_alone(steps: Steps, compiler: str, flags_of: dict[str, str]) -> None:
-    for source, flags in flags_of.items():
+def add_alone(steps: Steps, compiler: str, compilations: dict[str, Compilation]) -> None:
+    for source, (_, flags) in compilations.items():
         steps.add("lint-alone", source,
                   f"{compiler} {flags} -fsyntax-only -MMD -MT {{stamp}} -MF {{stamp}}.d {shlex.quote(source)} && touch {{stamp}}",
                   [source], makes_depfile=True)
@@ -136,8 +144,10 @@ def add_texts(steps: Steps) -> None:
     files = find("*.cpp", "*.h")
     for folder, names in by_folder(files).items():
         steps.add("lint-format", folder, "clang-format --dry-run -Werror " + shlex.join(names), [*names, ".clang-format"])
-        # Without -I, cppcheck reads the headers of the source's own folder only.
-        steps.add("lint-cppcheck", folder, f"{CPPCHECK} {shlex.join(names)}", names)
+        sources = [name for name in names if name.endswith(".cpp")]
+        if sources:
+            # Without -I, cppcheck reads the headers of the source's own folder only.
+            steps.add("lint-cppcheck", folder, f"{CPPCHECK} {shlex.join(sources)}", names)
     modules = find("*.py", rooms=(*ROOMS, "tools"))
     steps.add("lint-scripts", "python", "pyflakes3 " + shlex.join(modules), modules)
     scripts = sorted(path.name for path in ROOT.glob("*.sh"))
@@ -153,11 +163,11 @@ def main() -> int:
     parser.add_argument("--system-headers", default="", help="the compiler's own header folders, separated by semicolons")
     arguments = parser.parse_args()
     build = arguments.build.resolve()
-    compiler, flags_of = read_flags(build)
+    compiler, compilations = read_compilations(build)
     steps = Steps(build / "lint")
     add_texts(steps)
-    add_tidy(steps, compiler, flags_of, [folder for folder in arguments.system_headers.split(";") if folder])
-    add_alone(steps, compiler, flags_of)
+    add_tidy(steps, compiler, compilations, [folder for folder in arguments.system_headers.split(";") if folder])
+    add_alone(steps, compiler, compilations)
     steps.write()
     return 0
 
