@@ -17,6 +17,7 @@ targets_of() {
 
 begin
 install_packages "${COMMON_PACKAGES[@]}" chromium libnss3-tools g++
+configure_options=(-DKELDA_REQUIRE_NATIVE_TEST=ON)
 # shellcheck disable=SC2046  # names without spaces
 build_targets $(targets_of "$@")
 start_desktop 1

@@ -9,11 +9,15 @@ readonly BIN_DIR=$BUILD_DIR/bin
 readonly DESKTOPS=$PWD/build/desktops
 readonly PREFIX_TEMPLATE=$DESKTOPS/template/wine
 
-readonly COMMON_PACKAGES=(
+COMMON_PACKAGES=(
     cmake ninja-build g++-mingw-w64-x86-64-posix nlohmann-json3-dev googletest
     wine wine64 libgnutls30 fonts-wine fonts-liberation xvfb xdotool imagemagick
     python3 openssl procps
 )
+# Debian 12's Wine needs its preloader: without it the heap covers a page that Wine needs, in one start of some 8,000, and the
+# program ends with status 1 and no output.
+! grep -q '^VERSION_ID="12"' /etc/os-release || COMMON_PACKAGES+=(wine64-preloader)
+readonly COMMON_PACKAGES
 
 # A socket's name has room for 107 characters, and Chromium adds some 55 to the folder's.
 readonly LONGEST_TEST_FOLDER=45
@@ -183,6 +187,15 @@ start_wine() {
     # Kept running until the end, with its services: every program start is quicker for it.
     logged wineserver wineserver_of_prefix --persistent
     logged wine-services tools/run-in-wine wineboot
+    hold_desktop
+}
+
+# Wine's desktop ends a second after its last program, and starting it anew delays the next one. cmd waits for its input, and
+# counts as a program.
+hold_desktop() {
+    sleep infinity | tools/run-in-wine cmd >/dev/null 2>&1 9>&- &
+    background+=($!)
+    logged wine-desktop tools/run-in-wine explorer /desktop
 }
 
 # The package puts the server beside the loader, not on the PATH.

@@ -39,11 +39,9 @@ class Transcript:
         self.ended: set[str] = set()
         self.failed = 0
         self.complete = False
-        self.silent = True
 
     def feed(self, text: str) -> bool:
         """Takes more of the output. Returns whether a case has begun or ended in it."""
-        self.silent = self.silent and not text
         *lines, self._rest = (self._rest + text).replace("\r", "").split("\n")
         return any([self._take(line) for line in lines])
 
@@ -127,19 +125,14 @@ def run_once(test: str, program: str, cases: list[str], recorder: Recorder) -> T
 
 
 def run(test: str, program: str, cases: list[str], recorder: Recorder) -> None:
-    """Runs cases in one process, or in more if it ends early. A program that ends before its first case is started once
-    more; after that its cases have failed."""
-    repeated = False
+    """Runs cases in one process, or in more if it ends early. If a program ends before its first case, all have failed."""
     while cases:
         transcript = run_once(test, program, cases, recorder)
         cases = [case for case in cases if case not in transcript.ended]
-        if cases and not transcript.ended:
-            if repeated:
-                for case in cases:
-                    recorder.add(Outcome(case, False, 0, "The program ended before it:\n" + transcript.text()))
-                return
-            recorder.note(f"REPEATED: {test}" + (" ended without any output." if transcript.silent else "."))
-            repeated = True
+        if not transcript.ended:
+            for case in cases:
+                recorder.add(Outcome(case, False, 0, f"{transcript.text()}\nThe program ended before its first case."))
+            return
 
 
 def main() -> int:

@@ -7,11 +7,13 @@
 
 import argparse
 import faulthandler
+import os
 import sys
 import time
 import traceback
 import unittest
 from collections.abc import Iterator
+from pathlib import Path
 
 from testing.results import Outcome, Recorder, write_plan
 from testing.surroundings import surroundings
@@ -88,7 +90,11 @@ def main() -> int:
             write_plan(arguments.module, (case.id() for case in cases_of(suite)))
             return 0
         recorder = Recorder(arguments.module)
+        noise = Path(os.environ["TMPDIR"], "wine-noise.txt")
+        os.environ["KELDA_TEST_NOISE"] = str(noise)
         suite.run(Result(recorder))
+        if noise.exists():
+            recorder.note(f"{arguments.module}: Wine said at the end of a program: {noise.read_text('utf-8').splitlines()}")
         return 1 if recorder.failures else 0
 
 

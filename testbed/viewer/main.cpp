@@ -48,7 +48,7 @@ class OleApartment {
     }
     OleApartment(const OleApartment&) = delete;
     OleApartment& operator=(const OleApartment&) = delete;
-    bool Usable() const { return SUCCEEDED(result_); }
+    HRESULT Result() const { return result_; }
 
   private:
     HRESULT result_;
@@ -57,19 +57,32 @@ class OleApartment {
 /// The host's main window, which owns what the library shows.
 class OwnerDevice {
   public:
-    OwnerDevice() : usable_(host_reference::CreateOwnerDevice(kOwnerDevice, L"Document viewer") == 0) {}
+    OwnerDevice() {
+        // The toolkit says no more than that the system refused: why is in the thread's last error.
+        SetLastError(ERROR_SUCCESS);
+        result_ = host_reference::CreateOwnerDevice(kOwnerDevice, L"Document viewer");
+        systemError_ = result_ == 0 ? ERROR_SUCCESS : GetLastError();
+    }
     ~OwnerDevice() {
-        if (usable_) {
+        if (result_ == 0) {
             host_reference::DestroyOwnerDevice(kOwnerDevice);
         }
     }
     OwnerDevice(const OwnerDevice&) = delete;
     OwnerDevice& operator=(const OwnerDevice&) = delete;
-    bool Usable() const { return usable_; }
+    int Result() const { return result_; }
+    DWORD SystemError() const { return systemError_; }
 
   private:
-    bool usable_;
+    int result_;
+    DWORD systemError_;
 };
+
+std::string HexText(HRESULT result) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08lx", static_cast<unsigned long>(result));
+    return text;
+}
 
 bool SetUpTrace(const Options& options) {
     if (options.trace.empty()) {
@@ -114,9 +127,14 @@ int Run(const Options& options) {
                       "the trace file " + du::WideStrToUtf8(options.trace) + " cannot be written.");
     }
     const OleApartment apartment;
+    if (FAILED(apartment.Result())) {
+        return Finish(kNotStarted, "COM could not be set up: " + HexText(apartment.Result()) + ".");
+    }
     const OwnerDevice device;
-    if (!apartment.Usable() || !device.Usable()) {
-        return Finish(kNotStarted, "COM or the main window could not be set up.");
+    if (device.Result() != 0) {
+        return Finish(kNotStarted, "the main window could not be made: toolkit result " +
+                                       std::to_string(device.Result()) + ", system error " +
+                                       std::to_string(device.SystemError()) + ".");
     }
     // Only where Windows is not the real one: does nothing elsewhere, and no host has to call it.
     SupplyWindowsGaps(GetModuleHandleW(L"kelda.dll"));

@@ -1,5 +1,7 @@
 """The viewer's command line: usage, exit codes, and a last line that says what happened."""
 
+import os
+
 from tests.flow.viewer_case import BIN_DIR, GIVEN, ViewerCase, run_windows_program, windows_path
 
 
@@ -89,6 +91,18 @@ class Trace(ViewerCase):
     def test_stays_silent_otherwise(self) -> None:
         finished = run_windows_program("viewer.exe", "--server", self.server_url, "--path", "forbidden")
         self.assertEqual((finished.exit_code, finished.errors), (3, ""))
+
+
+class WithoutWindow(ViewerCase):
+    def test_tells_what_could_not_be_made(self) -> None:
+        # Wine makes no window without its driver for the display. The desktop is there already (tools/common.sh): the
+        # viewer would start it without the driver too, for all programs that run at the same time.
+        overrides = ";".join(filter(None, [os.environ.get("WINEDLLOVERRIDES", ""), "winex11.drv=d"]))
+        finished = run_windows_program("viewer.exe", "--server", self.server_url,
+                                       environment={"WINEDLLOVERRIDES": overrides})
+        self.assertEqual(finished.exit_code, 1)
+        self.assertRegex(finished.output.strip(), r"^viewer: the main window could not be made: "
+                                                  r"toolkit result \d+, system error \d+\.$")
 
 
 class Program(ViewerCase):

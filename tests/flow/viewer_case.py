@@ -11,6 +11,7 @@ from pathlib import Path
 from typing import IO, Any
 
 from tests.support.document_server import DocumentServer
+from tests.support.wine_noise import without_noise
 
 BIN_DIR = Path(os.environ["KELDA_BIN_DIR"])
 WINE = os.environ["KELDA_WINE"]
@@ -21,8 +22,6 @@ WRONG = {"user": USER, "password": "no such password"}
 CANCELLED = {"cancel": True}
 RUN_DEADLINE_SECONDS = 90
 
-# A thread that the end of its process overtakes inside Wine; seen once in some thousand runs.
-_WINE_NOISE = re.compile(r"wine client error:[0-9a-f]+: ?\n?")
 _TRACE_LINE = re.compile(r"\d\d:\d\d:\d\d\.\d{3} kelda ZanBasicAuthentication (\d) (.*)")
 
 
@@ -61,7 +60,7 @@ def run_windows_program(*command: str, environment: dict[str, str] | None = None
         exit_code = subprocess.run([WINE, str(BIN_DIR / program), *arguments], stdin=subprocess.DEVNULL, stdout=output,
                                    stderr=errors, env={**os.environ, **(environment or {})},
                                    timeout=RUN_DEADLINE_SECONDS).returncode
-        return Finished(exit_code, _content(output), _WINE_NOISE.sub("", _content(errors)))
+        return Finished(exit_code, _content(output), without_noise(_content(errors)))
 
 
 def _content(file: IO[bytes]) -> str:
