@@ -21,7 +21,7 @@ using CannedAnswer = std::vector<std::string>;
 /// A complete answer in one piece. `headers` are complete lines; the length is added.
 CannedAnswer Answer(int status, const std::string& headers, const std::string& body);
 
-/// Whether a request is a GET of that path.
+/// Returns true for a GET request of this path.
 bool Asks(const std::string& request, const std::string& path);
 
 /// The value of a request's header, without blanks around it, or an empty text. The name is compared as it is written.

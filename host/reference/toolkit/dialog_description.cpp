@@ -13,10 +13,6 @@ namespace {
 
 using Blocks = std::map<std::string, ResourceBlock, std::less<>>;
 
-std::string Quoted(std::string_view name) {
-    return "\"" + std::string(name) + "\"";
-}
-
 Placement PlacementOf(const ResourceAttributes& attributes) {
     return {.left = {attributes.attachLeft, attributes.leftOffset},
             .right = {attributes.attachRight, attributes.rightOffset},

@@ -12,7 +12,7 @@ namespace host_reference {
 
 namespace {
 
-constexpr const wchar_t* kClassName = L"HostReferenceDialog";
+constexpr const wchar_t* kDialogClassName = L"HostReferenceDialog";
 
 /// The system draws a close button only beside a system menu; without an icon the menu has no button of its own.
 DWORD StyleOf(const DialogDescription& description) {
@@ -54,14 +54,14 @@ int DialogDevice::Manage() {
 
 bool DialogDevice::CreateWindows() {
     static const bool registered =
-        RegisterWindowClass(kClassName, WindowProcedure, GetSysColorBrush(COLOR_BTNFACE), nullptr);
+        RegisterWindowClass(kDialogClassName, WindowProcedure, GetSysColorBrush(COLOR_BTNFACE), nullptr);
     if (!registered) {
         return false;
     }
     // The procedure stores the handle as soon as there is one, and forgets it if that window does not come to be.
     HWND made =
-        CreateWindowExW(ExtendedStyleOf(description_), kClassName, title_.c_str(), StyleOf(description_), 0,
-                        0, width_, height_, nullptr, nullptr, PinnedModule(), this);
+        CreateWindowExW(ExtendedStyleOf(description_), kDialogClassName, title_.c_str(),
+                        StyleOf(description_), 0, 0, width_, height_, nullptr, nullptr, PinnedModule(), this);
     if (made == nullptr) {
         return false;
     }

@@ -7,7 +7,7 @@ namespace host_reference {
 
 namespace {
 
-constexpr const wchar_t* kClassName = L"HostReferenceNakedWindow";
+constexpr const wchar_t* kNakedWindowClassName = L"HostReferenceNakedWindow";
 
 /// Sent to itself when a child has been announced, which cannot take the focus while it is still being made.
 constexpr UINT kChildIsThere = WM_APP;
@@ -52,14 +52,16 @@ LRESULT CALLBACK NakedWindowProcedure(HWND window, UINT message, WPARAM wParam, 
 } // namespace
 
 HWND CreateNakedWindow(HWND parent, bool keyboardInput) {
-    static const bool registered = RegisterWindowClass(
-        kClassName, NakedWindowProcedure, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)), nullptr);
+    static const bool registered =
+        RegisterWindowClass(kNakedWindowClassName, NakedWindowProcedure,
+                            static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)), nullptr);
     if (!registered) {
         return nullptr;
     }
     // The parameter is only told from null.
-    return CreateWindowExW(0, kClassName, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS,
-                           0, 0, 0, 0, parent, nullptr, PinnedModule(), keyboardInput ? parent : nullptr);
+    return CreateWindowExW(0, kNakedWindowClassName, nullptr,
+                           WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 0, 0, parent,
+                           nullptr, PinnedModule(), keyboardInput ? parent : nullptr);
 }
 
 } // namespace host_reference

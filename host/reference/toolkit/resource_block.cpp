@@ -11,10 +11,6 @@ namespace {
 
 using Kind = ResourceNode::Kind;
 
-std::string Quoted(std::string_view name) {
-    return "\"" + std::string(name) + "\"";
-}
-
 bool IsName(const ResourceNode& node) {
     return node.kind == Kind::Name;
 }

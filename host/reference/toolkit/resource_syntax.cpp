@@ -135,6 +135,10 @@ class Parser {
 
 } // namespace
 
+std::string Quoted(std::string_view name) {
+    return "\"" + std::string(name) + "\"";
+}
+
 ResourceNode ParseResource(std::string_view text) {
     return Parser(text).ParseAll();
 }

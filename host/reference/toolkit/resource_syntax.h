@@ -20,6 +20,9 @@ class DescriptionError : public std::runtime_error {
     int line_;
 };
 
+/// Returns a name in double quotes, for error texts.
+std::string Quoted(std::string_view name);
+
 struct ResourceNode {
     enum class Kind { List, Name, Text, Number };
 

@@ -5,7 +5,7 @@
 namespace chromium_test {
 namespace {
 
-constexpr const char* kMainFrame = "main frame";
+constexpr const char* kMainFrameId = "main frame";
 constexpr const char* kLoader = "loader";
 
 class LateAnswers : public testing::Test {
@@ -32,18 +32,18 @@ class LateAnswers : public testing::Test {
 
     void Start(const std::string& url) {
         session_->OnEvent("Network.requestWillBeSent", {{"requestId", kLoader},
-                                                        {"frameId", kMainFrame},
+                                                        {"frameId", kMainFrameId},
                                                         {"type", "Document"},
                                                         {"request", RequestTo(url)}});
         session_->OnEvent("Fetch.requestPaused", {{"requestId", "paused"},
                                                   {"networkId", kLoader},
-                                                  {"frameId", kMainFrame},
+                                                  {"frameId", kMainFrameId},
                                                   {"resourceType", "Document"},
                                                   {"request", RequestTo(url)}});
     }
     void Redirect(const std::string& url) {
         session_->OnEvent("Network.requestWillBeSent", {{"requestId", kLoader},
-                                                        {"frameId", kMainFrame},
+                                                        {"frameId", kMainFrameId},
                                                         {"type", "Document"},
                                                         {"request", RequestTo(url)},
                                                         {"redirectResponse", AnswerWith(302)},
@@ -51,13 +51,13 @@ class LateAnswers : public testing::Test {
         session_->OnEvent("Fetch.requestPaused", {{"requestId", "paused again"},
                                                   {"redirectedRequestId", "paused"},
                                                   {"networkId", kLoader},
-                                                  {"frameId", kMainFrame},
+                                                  {"frameId", kMainFrameId},
                                                   {"resourceType", "Document"},
                                                   {"request", RequestTo(url)}});
     }
     void Answer() {
         session_->OnEvent("Network.responseReceived", {{"requestId", kLoader},
-                                                       {"frameId", kMainFrame},
+                                                       {"frameId", kMainFrameId},
                                                        {"type", "Document"},
                                                        {"response", AnswerWith(200)},
                                                        {"hasExtraInfo", true}});
@@ -70,7 +70,7 @@ class LateAnswers : public testing::Test {
     void Load() {
         session_->OnEvent(
             "Page.frameNavigated",
-            {{"frame", {{"id", kMainFrame}, {"url", "http://host.test/"}, {"loaderId", kLoader}}}});
+            {{"frame", {{"id", kMainFrameId}, {"url", "http://host.test/"}, {"loaderId", kLoader}}}});
         session_->OnEvent("Page.lifecycleEvent", {{"name", "load"}, {"loaderId", kLoader}});
     }
 
@@ -78,7 +78,7 @@ class LateAnswers : public testing::Test {
     Log log_;
     RecordingClient client_;
     std::shared_ptr<PageSession> session_ = std::make_shared<PageSession>(
-        std::make_shared<Connection>(), PageSession::Address{"session", kMainFrame, ""},
+        std::make_shared<Connection>(), PageSession::Address{"session", kMainFrameId, ""},
         std::make_shared<AllowedCertificates>());
 };
 
@@ -118,7 +118,7 @@ TEST_F(LateAnswers, AreGivenUpWhenChromiumHasAnsweredAQuestionMeanwhile) {
     const ProfileFolder folder;
     const auto connection = StartChromium(folder);
     ASSERT_TRUE(connection);
-    session_ = OpenBarePage(connection, kMainFrame);
+    session_ = OpenBarePage(connection, kMainFrameId);
     ASSERT_TRUE(session_);
     session_->SetClient(client_);
     Start("http://host.test/");

@@ -14,7 +14,7 @@ using test_support::Lines;
 namespace kelda {
 namespace {
 
-const std::wstring kUrl = L"http://server/dir/page";
+const std::wstring kPageUrl = L"http://server/dir/page";
 
 class WinInetStore : public test_support::TranscriptTest {
   protected:
@@ -40,12 +40,12 @@ class WinInetStore : public test_support::TranscriptTest {
 TEST_F(WinInetStore, ACookieWithoutANameIsNotWritten) {
     CookieRecord cookie;
     cookie.value = L"abc";
-    EXPECT_FALSE(SetWinInetCookie(cookie, kUrl));
+    EXPECT_FALSE(SetWinInetCookie(cookie, kPageUrl));
     EXPECT_EQ(TakeTranscript(), Lines{"[0] Invalid cookie"});
 }
 
 TEST_F(WinInetStore, WhatACookieDoesNotGiveIsLeftToTheAddress) {
-    EXPECT_TRUE(SetWinInetCookie(Sid(), kUrl));
+    EXPECT_TRUE(SetWinInetCookie(Sid(), kPageUrl));
     EXPECT_EQ(TakeTranscript(), Lines{Write("0x00200000")});
 }
 
@@ -54,7 +54,7 @@ TEST_F(WinInetStore, DomainAndPathAreWrittenAsTheyAre) {
     cookie.value = L"";
     cookie.domain = L".server";
     cookie.path = L"/d\u00FCr";
-    EXPECT_TRUE(SetWinInetCookie(cookie, kUrl));
+    EXPECT_TRUE(SetWinInetCookie(cookie, kPageUrl));
     EXPECT_EQ(TakeTranscript(),
               Lines{"InternetSetCookieEx2 http://server/dir/page SID= domain=.server path=/d\xC3\xBCr "
                     "flags=0x00200000 expires=none with 0x00001000"});
@@ -81,7 +81,7 @@ TEST_F(WinInetStore, EveryCombinationOfFlagsHasItsWord) {
         cookie.secure = flags.secure;
         cookie.httpOnly = flags.httpOnly;
         cookie.sameSite = flags.sameSite;
-        EXPECT_TRUE(SetWinInetCookie(cookie, kUrl));
+        EXPECT_TRUE(SetWinInetCookie(cookie, kPageUrl));
         EXPECT_EQ(TakeTranscript(), Lines{Write(flags.word)});
     }
 }
@@ -89,7 +89,7 @@ TEST_F(WinInetStore, EveryCombinationOfFlagsHasItsWord) {
 TEST_F(WinInetStore, ACookieWithoutSameSiteIsWrittenWithoutItsBits) {
     CookieRecord cookie = Sid();
     cookie.sameSite = CookieSameSite::None;
-    SetWinInetCookie(cookie, kUrl);
+    SetWinInetCookie(cookie, kPageUrl);
     EXPECT_EQ(TakeTranscript(), Lines{Write("0x00000000")});
 }
 
@@ -106,7 +106,7 @@ TEST_F(WinInetStore, TheExpiryAloneDecidesWhetherItIsWritten) {
             CookieRecord cookie = Sid();
             cookie.expires = expires;
             cookie.session = session;
-            EXPECT_TRUE(SetWinInetCookie(cookie, kUrl));
+            EXPECT_TRUE(SetWinInetCookie(cookie, kPageUrl));
             EXPECT_EQ(TakeTranscript(), Lines{Write("0x00200000", written)});
         }
     }
@@ -131,7 +131,7 @@ TEST_F(WinInetStore, EveryAnswerButPlainAcceptanceIsTracedAndOnlyAFailedCallCoun
     };
     for (const Answer& answer : table) {
         store.setterAnswer = {answer.result, answer.state};
-        EXPECT_EQ(SetWinInetCookie(Sid(), kUrl), answer.written);
+        EXPECT_EQ(SetWinInetCookie(Sid(), kPageUrl), answer.written);
         Lines expected{Write("0x00200000")};
         if (*answer.line != '\0') {
             expected.push_back(std::string("[0] Cookie not accepted; ") + answer.line);
@@ -143,7 +143,7 @@ TEST_F(WinInetStore, EveryAnswerButPlainAcceptanceIsTracedAndOnlyAFailedCallCoun
 TEST_F(WinInetStore, ASetterThatSaysNoStateCountsAsUnknown) {
     store.setterAnswer.result = ERROR_ACCESS_DENIED;
     store.reportsState = false;
-    EXPECT_FALSE(SetWinInetCookie(Sid(), kUrl));
+    EXPECT_FALSE(SetWinInetCookie(Sid(), kPageUrl));
     EXPECT_EQ(TakeTraceLines(), Lines{"[0] Cookie not accepted; res=5 state=0"});
 }
 
@@ -239,7 +239,7 @@ TEST_F(WinInetStore, IsTracedALineACookie) {
     store.Hold(L"SID", L"abc", 0x2001);
     store.Hold(L"other", L"");
     store.cookies.push_back(WholeCookie());
-    TraceWinInetCookies(kUrl);
+    TraceWinInetCookies(kPageUrl);
     EXPECT_EQ(
         TakeTranscript(),
         (Lines{"[0] WinInet cookies for http://server/dir/page",
@@ -254,7 +254,7 @@ TEST_F(WinInetStore, ACookieWithoutTextsIsTracedWithEmptyOnes) {
     store.Hold(nullptr, nullptr);
     store.cookies.back().pwszDomain = nullptr;
     store.cookies.back().pwszPath = nullptr;
-    TraceWinInetCookies(kUrl);
+    TraceWinInetCookies(kPageUrl);
     EXPECT_EQ(TakeTraceLines(),
               (Lines{"[0] WinInet cookies for http://server/dir/page", "[0] =; domain=; path=; flags=0x0"}));
 }
@@ -269,23 +269,23 @@ TEST_F(WinInetStore, AnEmptyOneIsTracedByItsAddressAlone) {
 TEST_F(WinInetStore, ThatCannotBeReadIsTracedAsIfItWereEmpty) {
     store.Hold(L"SID", L"abc");
     store.getterResult = ERROR_INTERNET_INVALID_URL;
-    TraceWinInetCookies(kUrl);
+    TraceWinInetCookies(kPageUrl);
     EXPECT_EQ(TakeTraceLines(), Lines{"[0] WinInet cookies for http://server/dir/page"});
 }
 
 TEST_F(WinInetStore, ACountWithoutCookiesIsNone) {
     store.Hold(L"SID", L"abc");
     store.handsOutArrays = false;
-    EXPECT_TRUE(WinInetCookies(kUrl).All().empty());
+    EXPECT_TRUE(WinInetCookies(kPageUrl).All().empty());
     store.handsOutArrays = true;
-    EXPECT_EQ(WinInetCookies(kUrl).All().size(), 1U);
+    EXPECT_EQ(WinInetCookies(kPageUrl).All().size(), 1U);
 }
 
 TEST_F(WinInetStore, WhatAFailedReadLeavesBehindIsNeitherReadNorFreed) {
     store.Hold(L"SID", L"abc");
     store.getterResult = ERROR_INVALID_PARAMETER;
     store.leavesRubbish = true;
-    EXPECT_TRUE(WinInetCookies(kUrl).All().empty());
+    EXPECT_TRUE(WinInetCookies(kPageUrl).All().empty());
     EXPECT_EQ(TakeTranscript(),
               Lines{"InternetGetCookieEx2 http://server/dir/page name=(null) with 0x00001000"});
 }

@@ -86,14 +86,14 @@ TEST_F(OwnerDevice, SeveralAreToldApartByName) {
     EXPECT_EQ(NativeWindow(kName, kName, first), 0);
 }
 
-struct WrongUse {
+struct WrongUseOfOwner {
     const char* device;
     const char* component;
     int operation;
 };
 
 TEST_F(OwnerDevice, WrongUseIsRefusedAndWritesNothing) {
-    constexpr WrongUse kWrongUses[] = {
+    constexpr WrongUseOfOwner kWrongUses[] = {
         {"Unknown", "Unknown", kUiOperationGetNativeWindow},
         {"Unknown", kName, kUiOperationGetNativeWindow},
         {kName, "Unknown", kUiOperationGetNativeWindow},
@@ -105,7 +105,7 @@ TEST_F(OwnerDevice, WrongUseIsRefusedAndWritesNothing) {
         {kName, kName, 0},
         {kName, kName, -1},
     };
-    for (const WrongUse& use : kWrongUses) {
+    for (const WrongUseOfOwner& use : kWrongUses) {
         HWND window = NoWindow();
         EXPECT_NE(ui_do_operation(use.device, use.component, use.operation, 0, &window, 0), 0);
         EXPECT_EQ(window, NoWindow());

@@ -9,7 +9,7 @@
 namespace kelda {
 namespace {
 
-struct Row {
+struct UrlRow {
     std::string text;
     size_t maxLength;
     std::string shown;
@@ -17,7 +17,7 @@ struct Row {
 
 TEST(UrlDisplay, ATrailingSlashGoesAndALongTextEndsInAnEllipsis) {
     const std::string sixty(60, 'a');
-    const std::vector<Row> rows{
+    const std::vector<UrlRow> rows{
         {"", 0, ""},
         {"", 5, ""},
         {"/", 0, ""},
@@ -36,7 +36,7 @@ TEST(UrlDisplay, ATrailingSlashGoesAndALongTextEndsInAnEllipsis) {
         {sixty, 2, ".."},
         {sixty, 1, "."},
     };
-    for (const Row& row : rows) {
+    for (const UrlRow& row : rows) {
         EXPECT_EQ(TrimUrlForDisplay(row.text, row.maxLength), row.shown)
             << row.text << " to " << row.maxLength;
     }

@@ -11,7 +11,6 @@ namespace {
 using test_support::Answer;
 using test_support::CannedServer;
 using test_support::ScopedVariable;
-using Arguments = ICoreWebView2ServerCertificateErrorDetectedEventArgs;
 
 constexpr wchar_t kVariable[] = L"KELDA_TEST_CERTIFICATE_ERROR";
 

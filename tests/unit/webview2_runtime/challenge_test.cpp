@@ -10,7 +10,7 @@ using test_support::Answer;
 using test_support::CannedAnswer;
 using test_support::CannedServer;
 using test_support::HeaderOf;
-using Arguments = ICoreWebView2BasicAuthenticationRequestedEventArgs;
+using ChallengeEventArgs = ICoreWebView2BasicAuthenticationRequestedEventArgs;
 
 constexpr char kChallenge[] = "Content-Type: text/html\r\nWWW-Authenticate: Basic realm=\"documents\"\r\n";
 
@@ -24,13 +24,13 @@ CannedAnswer ChallengeSite(const std::string& request) {
     return Answer(401, kChallenge, "<link rel=icon href=data:,><body>refused");
 }
 
-ComPtr<ICoreWebView2BasicAuthenticationResponse> ResponseOf(Arguments* arguments) {
+ComPtr<ICoreWebView2BasicAuthenticationResponse> ResponseOf(ChallengeEventArgs* arguments) {
     ComPtr<ICoreWebView2BasicAuthenticationResponse> response;
     EXPECT_EQ(arguments->get_Response(&response), S_OK);
     return response;
 }
 
-void LogIn(Arguments* arguments, const wchar_t* user, const wchar_t* password) {
+void LogIn(ChallengeEventArgs* arguments, const wchar_t* user, const wchar_t* password) {
     EXPECT_EQ(ResponseOf(arguments)->put_UserName(user), S_OK);
     EXPECT_EQ(ResponseOf(arguments)->put_Password(password), S_OK);
 }

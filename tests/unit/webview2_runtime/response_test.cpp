@@ -11,7 +11,7 @@ using test_support::Asks;
 using test_support::CannedAnswer;
 using test_support::CannedServer;
 using test_support::HeaderOf;
-using Arguments = ICoreWebView2WebResourceResponseReceivedEventArgs;
+using ResponseEventArgs = ICoreWebView2WebResourceResponseReceivedEventArgs;
 
 constexpr int kManyCookies = 20;
 constexpr char kPage[] = "<link rel=icon href=data:,><body>page";
@@ -78,25 +78,25 @@ std::vector<HeaderLine> ReadAll(ICoreWebView2HttpHeadersCollectionIterator* iter
     return lines;
 }
 
-ComPtr<ICoreWebView2WebResourceRequest> RequestOf(Arguments* arguments) {
+ComPtr<ICoreWebView2WebResourceRequest> RequestOf(ResponseEventArgs* arguments) {
     ComPtr<ICoreWebView2WebResourceRequest> request;
     EXPECT_EQ(arguments->get_Request(&request), S_OK);
     return request;
 }
 
-ComPtr<ICoreWebView2HttpRequestHeaders> RequestHeadersOf(Arguments* arguments) {
+ComPtr<ICoreWebView2HttpRequestHeaders> RequestHeadersOf(ResponseEventArgs* arguments) {
     ComPtr<ICoreWebView2HttpRequestHeaders> headers;
     EXPECT_EQ(RequestOf(arguments)->get_Headers(&headers), S_OK);
     return headers;
 }
 
-ComPtr<ICoreWebView2WebResourceResponseView> ResponseOf(Arguments* arguments) {
+ComPtr<ICoreWebView2WebResourceResponseView> ResponseOf(ResponseEventArgs* arguments) {
     ComPtr<ICoreWebView2WebResourceResponseView> response;
     EXPECT_EQ(arguments->get_Response(&response), S_OK);
     return response;
 }
 
-ComPtr<ICoreWebView2HttpResponseHeaders> HeadersOf(Arguments* arguments) {
+ComPtr<ICoreWebView2HttpResponseHeaders> HeadersOf(ResponseEventArgs* arguments) {
     ComPtr<ICoreWebView2HttpResponseHeaders> headers;
     EXPECT_EQ(ResponseOf(arguments)->get_Headers(&headers), S_OK);
     return headers;
@@ -116,12 +116,12 @@ std::vector<HeaderLine> Named(ICoreWebView2HttpResponseHeaders* headers, const w
 
 class ResponseTest : public WebViewTest {
   protected:
-    std::wstring PathOf(Arguments* arguments) const {
+    std::wstring PathOf(ResponseEventArgs* arguments) const {
         const auto request = RequestOf(arguments);
         return TextFrom([&](LPWSTR* text) { return request->get_Uri(text); }).substr(server.Url(L"").size());
     }
 
-    static int StatusOf(Arguments* arguments) {
+    static int StatusOf(ResponseEventArgs* arguments) {
         int status = 0;
         EXPECT_EQ(ResponseOf(arguments)->get_StatusCode(&status), S_OK);
         return status;

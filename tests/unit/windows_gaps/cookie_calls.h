@@ -54,8 +54,8 @@ Written Write(const std::wstring& url, NewCookie cookie, DWORD flags = INTERNET_
 /// On failure one line, "error CODE".
 Lines Read(const std::wstring& url, DWORD flags = INTERNET_COOKIE_NON_SCRIPT, PCWSTR name = nullptr);
 
-/// The result of `Read` if there is no such cookie.
-inline const Lines kNone = {"error 259"};
+/// The result of `Read` if no cookie matches.
+inline const Lines kNoCookies = {"error 259"};
 
 /// A moment so many seconds from now, or before now.
 FILETIME SecondsFromNow(int seconds);

@@ -74,7 +74,7 @@ TEST_F(GetCookieEx2, GivesBackAllThatWasWritten) {
 
 TEST_F(GetCookieEx2, NeedsPermissionForHttpOnly) {
     Write(Url(), {L"a", L"1", std::nullopt, std::nullopt, INTERNET_COOKIE_HTTPONLY});
-    EXPECT_EQ(Read(Url(), 0), kNone);
+    EXPECT_EQ(Read(Url(), 0), kNoCookies);
     Write(Url(), {L"b", L"2"});
     EXPECT_EQ(Read(Url(), 0), (Lines{"b=2, " + Host() + ", /, 0x00000000"}));
     EXPECT_EQ(Read(Url(), INTERNET_COOKIE_NON_SCRIPT).size(), 2U);
@@ -86,15 +86,15 @@ TEST_F(GetCookieEx2, FindsByName) {
     Write(Url(), {std::nullopt, L"nameless"});
 
     EXPECT_EQ(Read(Url(), 0, L"ab"), (Lines{"ab=2, " + Host() + ", /, 0x00000000"}));
-    EXPECT_EQ(Read(Url(), 0, L"nameless"), kNone);
-    EXPECT_EQ(Read(Url(), 0, L"c"), kNone);
+    EXPECT_EQ(Read(Url(), 0, L"nameless"), kNoCookies);
+    EXPECT_EQ(Read(Url(), 0, L"c"), kNoCookies);
     EXPECT_EQ(Read(Url(), 0, nullptr).size(), 3U);
 }
 
 TEST_F(GetCookieEx2, LeavesOutSameSiteCookiesForAnotherSite) {
     Write(Url(), {L"a", L"1", std::nullopt, std::nullopt, INTERNET_COOKIE_SAME_SITE_LAX});
     Write(Url(), {L"b", L"2", std::nullopt, std::nullopt, INTERNET_COOKIE_SAME_SITE_STRICT});
-    EXPECT_EQ(Read(Url(), INTERNET_COOKIE_SAME_SITE_LEVEL_CROSS_SITE), kNone);
+    EXPECT_EQ(Read(Url(), INTERNET_COOKIE_SAME_SITE_LEVEL_CROSS_SITE), kNoCookies);
     Write(Url(), {L"c", L"3"});
     EXPECT_EQ(Read(Url(), INTERNET_COOKIE_SAME_SITE_LEVEL_CROSS_SITE),
               (Lines{"c=3, " + Host() + ", /, 0x00000000"}));
@@ -128,7 +128,7 @@ TEST_F(GetCookieEx2, TellsEachOfTwoFoldersItsOwn) {
     EXPECT_EQ(Read(Url(L"/docs/")), (Lines{"a=1, " + Host() + ", /docs, 0x00100000"}));
     EXPECT_EQ(Read(Url(L"/docs-old/")), (Lines{"a=1, " + Host() + ", /docs, 0x00100000"}))
         << "Wine compares the beginnings";
-    EXPECT_EQ(Read(Url(L"/docs")), kNone);
+    EXPECT_EQ(Read(Url(L"/docs")), kNoCookies);
 }
 
 TEST_F(GetCookieEx2, TellsEachOfSeveralHostsItsOwn) {
@@ -139,7 +139,7 @@ TEST_F(GetCookieEx2, TellsEachOfSeveralHostsItsOwn) {
 
     EXPECT_EQ(Read(below), (Lines{"a=1, www." + Host() + ", /, 0x00200000"}));
     EXPECT_EQ(Read(beside), (Lines{"a=1, docs." + Host() + ", /, 0x00100000"}));
-    EXPECT_EQ(Read(Url()), kNone);
+    EXPECT_EQ(Read(Url()), kNoCookies);
 }
 
 TEST_F(GetCookieEx2, TakesAHostInAnyCase) {
@@ -173,7 +173,7 @@ TEST_F(GetCookieEx2, TellsNothingOldOfACookieThatTheServerHasChanged) {
 TEST_F(GetCookieEx2, TellsNothingOfACookieThatTheStoreHasNoLonger) {
     Write(Url(), {L"a", L"1"});
     SetAsServer(Url(), L"a", L"1; Path=/; Expires=Wed, 09 Jun 2021 10:18:14 GMT");
-    EXPECT_EQ(Read(Url()), kNone);
+    EXPECT_EQ(Read(Url()), kNoCookies);
 }
 
 TEST_F(GetCookieEx2, TellsNothingOldOfACookieAfterTheExpiryThatWasWritten) {
@@ -249,7 +249,7 @@ TEST_F(GetCookieEx2, GivesOneBlockThatFreeingGivesBack) {
     const std::wstring_view lastText = cookies[1].pwszPath;
     EXPECT_EQ(static_cast<const void*>(lastText.data() + lastText.size() + 1),
               static_cast<const void*>(reinterpret_cast<const std::byte*>(cookies) + HeapCount::lastSize));
-    EXPECT_EQ(Read(Url(), 0, L"c"), kNone);
+    EXPECT_EQ(Read(Url(), 0, L"c"), kNoCookies);
     EXPECT_EQ(HeapCount::count, 1);
 
     InternetFreeCookies(cookies, count);

@@ -33,7 +33,7 @@ TEST_F(SetCookieEx2, RefusesNullArguments) {
     EXPECT_EQ(state, static_cast<DWORD>(COOKIE_STATE_UNKNOWN));
     EXPECT_EQ(InternetSetCookieEx2(Url().c_str(), nullptr, nullptr, 0, &state), kRefused);
     EXPECT_EQ(InternetSetCookieEx2(Url().c_str(), &cookie, nullptr, 0, nullptr), kRefused);
-    EXPECT_EQ(Read(Url()), kNone);
+    EXPECT_EQ(Read(Url()), kNoCookies);
 }
 
 TEST_F(SetCookieEx2, RefusesWhatIsNoUrl) {
@@ -77,7 +77,7 @@ TEST_F(SetCookieEx2, LetsNoTextBecomeAnAttribute) {
         EXPECT_EQ(Write(Url(), {L"a", L"1", text}), kInvalid);
         EXPECT_EQ(Write(Url(), {L"a", L"1", std::nullopt, L"/" + text}), kInvalid);
     }
-    EXPECT_EQ(Read(Url()), kNone);
+    EXPECT_EQ(Read(Url()), kNoCookies);
 }
 
 TEST_F(SetCookieEx2, LetsNoNameBecomeAValue) {
@@ -91,7 +91,7 @@ TEST_F(SetCookieEx2, TakesDomainAndPathFromTheUrl) {
     for (const std::optional<std::wstring>& none : {std::optional<std::wstring>(), std::optional(L""s)}) {
         EXPECT_EQ(Write(Url(L"/docs/page?next=/a/b#/c/"), {L"a", L"1", none, none}), kAccepted);
         EXPECT_EQ(Read(Url(L"/docs/other")), (Lines{"a=1, " + Host() + ", /docs/, 0x00000000"}));
-        EXPECT_EQ(Read(Url()), kNone);
+        EXPECT_EQ(Read(Url()), kNoCookies);
         DeleteCookies(Url(L"/docs/"));
     }
 }
@@ -117,7 +117,7 @@ TEST_F(SetCookieEx2, RejectsADomainThatTheHostDoesNotBelongTo) {
          {L"other.test"s, L"www." + domain, domain.substr(1), L"test"s, L"."s}) {
         EXPECT_EQ(Write(Url(), {L"a", L"1", foreign}), kRejected) << Host();
     }
-    EXPECT_EQ(Read(Url()), kNone);
+    EXPECT_EQ(Read(Url()), kNoCookies);
 }
 
 TEST_F(SetCookieEx2, TakesTheHostAsDomainEvenIfItIsASingleWord) {
@@ -128,7 +128,7 @@ TEST_F(SetCookieEx2, TakesTheHostAsDomainEvenIfItIsASingleWord) {
 TEST_F(SetCookieEx2, NeedsPermissionForHttpOnly) {
     const NewCookie cookie = {L"a", L"1", std::nullopt, std::nullopt, INTERNET_COOKIE_HTTPONLY};
     EXPECT_EQ(Write(Url(), cookie, 0), kNotPermitted);
-    EXPECT_EQ(Read(Url()), kNone);
+    EXPECT_EQ(Read(Url()), kNoCookies);
 
     EXPECT_EQ(Write(Url(), cookie, INTERNET_COOKIE_NON_SCRIPT), kAccepted);
     EXPECT_EQ(Read(Url()), (Lines{"a=1, " + Host() + ", /, 0x00002000"}));
@@ -171,13 +171,13 @@ TEST_F(SetCookieEx2, DeletesByAnExpiryThatIsOver) {
     EXPECT_EQ(Read(Url()), (Lines{"b=2, " + Host() + ", /, 0x00000000"}));
 
     EXPECT_EQ(Write(Url(), {L"b", L"2", std::nullopt, std::nullopt, 0, FILETIME{}}), kAccepted);
-    EXPECT_EQ(Read(Url()), kNone);
+    EXPECT_EQ(Read(Url()), kNoCookies);
 }
 
 TEST_F(SetCookieEx2, RefusesAnExpiryThatIsNoTime) {
     constexpr DWORD kAll = std::numeric_limits<DWORD>::max();
     EXPECT_EQ(Write(Url(), {L"a", L"1", std::nullopt, std::nullopt, 0, FILETIME{kAll, kAll}}), kInvalid);
-    EXPECT_EQ(Read(Url()), kNone);
+    EXPECT_EQ(Read(Url()), kNoCookies);
 }
 
 TEST_F(SetCookieEx2, TakesTheLastExpiryThatThereIs) {
