@@ -35,7 +35,7 @@ constexpr std::wstring_view kLauncher =
     L"chr(0);"
     L"POSIX::write(1, $text, length($text)); shutdown(STDIN, 2); shutdown(STDOUT, 2);";
 
-constexpr std::array<std::wstring_view, 12> kSwitches = {
+constexpr std::array<std::wstring_view, 13> kSwitches = {
     L"--remote-debugging-pipe",
     L"--headless=new",
     L"--disable-gpu",
@@ -46,6 +46,8 @@ constexpr std::array<std::wstring_view, 12> kSwitches = {
     L"--disable-background-networking",
     L"--disable-component-update",
     L"--disable-sync",
+    // An error page would load its address again, and so abort the host's next navigation.
+    L"--disable-auto-reload",
     // A page that comes back out of that cache has no load event; and frames of other sites would be targets of their own.
     L"--disable-features=BackForwardCache,IsolateOrigins,site-per-process",
     L"--disable-site-isolation-trials",

@@ -35,10 +35,7 @@ class SharedChromium final : public testing::Environment {
     }
     void End() {
         browser_.reset();
-        if (folder_) {
-            EXPECT_TRUE(PumpUntil([this] { return folder_->Processes().empty(); }));
-            folder_.reset();
-        }
+        folder_.reset();
     }
     void TearDown() override { End(); }
 
@@ -94,8 +91,12 @@ ProfileFolder::ProfileFolder(const std::wstring& extra) {
     mark_ = ToUtf8(name);
 }
 
+// A process that outlives a killed Chromium by a moment would make the folder again.
 ProfileFolder::~ProfileFolder() {
-    test_support::RemoveNatively(top_);
+    if (GetFileAttributesW(top_.c_str()) != INVALID_FILE_ATTRIBUTES) {
+        EXPECT_TRUE(PumpUntil([this] { return Processes().empty(); }));
+        test_support::RemoveNatively(top_);
+    }
 }
 
 std::vector<int> ProfileFolder::Processes() const {

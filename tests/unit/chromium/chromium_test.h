@@ -22,7 +22,8 @@ namespace chromium_test {
 using namespace testbed::chromium;
 using test_support::PumpUntil;
 
-/// A folder that is not there yet, below the folder for temporary files. Removed in the end.
+/// A folder that is not there yet, below the folder for temporary files. It is removed in the end. By then no process may use
+/// it.
 class ProfileFolder {
   public:
     /// @param extra is added to the name.

@@ -10,8 +10,8 @@ namespace chromium_test {
 /// A program of the machine below Wine. It answers every request with a page, and closes the connection then.
 class SecureServer {
   public:
-    /// Waits until it listens, on a port that no other such server of this process has had: a browser remembers certificates by
-    /// port. `Url` is empty if that does not happen.
+    /// Waits until it listens; `Url` is empty if that does not happen. No other such server of this process has had the port:
+    /// browsers remember certificates by it.
     SecureServer();
     ~SecureServer();
     SecureServer(const SecureServer&) = delete;

@@ -52,8 +52,8 @@ LONG LiveObjects();
 /// COM, the control's class, a window, and a host. In the end nothing of the control may be left.
 class ControlTest : public testing::Test {
   protected:
-    /// @param sharesChromium whether the controls of the case use the Chromium that the cases share. It is started for the first
-    ///                       of them, and anew after its end. Otherwise they start one, which has to end with them.
+    /// @param sharesChromium true: the controls of the case use the Chromium that the cases share. It is started for the first
+    ///        of them, and anew after its end. False: they start one, which has to end with them.
     explicit ControlTest(bool sharesChromium = true) : shares_(sharesChromium) {}
 
     void SetUp() override;
