@@ -49,19 +49,12 @@ auto* sharedChromium = static_cast<SharedChromium*>(testing::AddGlobalTestEnviro
 
 /// Sends a command about the browser as a whole, and waits for its reply.
 /// @return null on any failure.
-Json Ask(const Browser& browser, const std::string& method) {
+Json Ask(const Browser& browser, const std::string& method, Json params = Json::object()) {
     const auto reply = std::make_shared<std::optional<Json>>();
-    browser.Protocol()->Send(method, Json::object(), {},
+    browser.Protocol()->Send(method, std::move(params), {},
                              [reply](const Json* result) { *reply = result == nullptr ? Json() : *result; });
     PumpUntil([&] { return reply->has_value(); });
     return reply->value_or(Json());
-}
-
-bool HasNoPage(const Browser& browser) {
-    const Json reply = Ask(browser, "Target.getTargets");
-    return reply.is_object() && std::ranges::none_of(reply.at("targetInfos"), [](const Json& target) {
-               return target.at("type") == "page";
-           });
 }
 
 /// Whether the list in the reply to a command is empty.
@@ -73,7 +66,14 @@ bool HasNone(const Browser& browser, const std::string& method, const char* list
 /// Expects no page and no private profile to be left, and deletes the cookies.
 void CleanUp(const Browser& browser) {
     ASSERT_TRUE(browser.Alive()) << "a case that ends the browser needs one of its own";
-    EXPECT_TRUE(PumpUntil([&] { return HasNoPage(browser); }));
+    // Chromium may ignore that a page is to be closed while it exchanges the page's document. So it is asked again.
+    EXPECT_TRUE(PumpUntil([&] {
+        const auto pages = PagesOf(browser);
+        for (const std::string& page : pages) {
+            Ask(browser, "Target.closeTarget", {{"targetId", page}});
+        }
+        return pages.empty();
+    }));
     EXPECT_TRUE(
         PumpUntil([&] { return HasNone(browser, "Target.getBrowserContexts", "browserContextIds"); }));
     Ask(browser, "Storage.clearCookies");
@@ -196,6 +196,20 @@ std::shared_ptr<Browser> SharedBrowser() {
 
 void EndSharedBrowser() {
     sharedChromium->End();
+}
+
+std::vector<std::string> PagesOf(const Browser& browser) {
+    const Json reply = Ask(browser, "Target.getTargets");
+    if (!reply.is_object()) {
+        return {"no reply"};
+    }
+    std::vector<std::string> pages;
+    for (const Json& target : reply.at("targetInfos")) {
+        if (target.at("type") == "page") {
+            pages.push_back(target.at("targetId").get<std::string>());
+        }
+    }
+    return pages;
 }
 
 std::unique_ptr<Page> CreatePage(Browser& browser, PageClient& client, bool inPrivate) {

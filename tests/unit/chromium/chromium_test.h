@@ -168,6 +168,9 @@ std::shared_ptr<Browser> SharedBrowser();
 /// Ends the shared browser; no process of it may be left. The end of the program does the same.
 void EndSharedBrowser();
 
+/// Lists what Chromium calls its pages; "no reply" on a failure.
+std::vector<std::string> PagesOf(const Browser& browser);
+
 /// @return null on any failure.
 std::unique_ptr<Page> CreatePage(Browser& browser, PageClient& client, bool inPrivate = false);
 

@@ -162,6 +162,13 @@ TEST_F(Navigation, MayEndTheBrowserInItsHandler) {
     EXPECT_TRUE(PumpUntil([&] { return browser_ == nullptr && folder_.Processes().empty(); }));
 }
 
+TEST_F(Navigation, OfAPageThatIsClosedLeavesNoneInChromium) {
+    ASSERT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
+    ASSERT_EQ(PagesOf(*browser_).size(), 1U);
+    page_->Close();
+    EXPECT_TRUE(PumpUntil([&] { return PagesOf(*browser_).empty(); }));
+}
+
 TEST_F(Navigation, IsForgottenWhenThePageIsClosed) {
     page_->Navigate(site_.Url("/stalled"));
     ASSERT_TRUE(PumpUntil([&] { return !site_.Requests("/stalled").empty(); }));
