@@ -83,7 +83,7 @@ TEST_F(Certificates, OfWhatThePageAsksForAreReportedAsWell) {
     site_.Add("/page", "<img src='" + server_.Url("/image") + "'>");
     page_->SetCertificateReports(true);
     EXPECT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
-    ASSERT_EQ(client_.problems.size(), 1U);
+    ASSERT_EQ(client_.problems.size(), 1U) << client_.problems.back().url;
     EXPECT_EQ(client_.problems[0].url, server_.Url("/image"));
 }
 
