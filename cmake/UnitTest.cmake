@@ -12,21 +12,19 @@ target_link_libraries(kelda_test_headers PRIVATE kelda_compiler gmock)
 kelda_precompile_headers(kelda_test_headers
     windows.h gtest/gtest.h gmock/gmock.h algorithm array filesystem functional memory string string_view utility vector)
 
-# kelda_add_unit_test(NAME source... [LIBRARIES library...] [ISOLATED pattern...] [COST cost])
-# One test program, which is one test of CTest: tools/run_gtest.py runs its cases in one process and counts them. ISOLATED
-# names the cases that need a process of their own. Tests of a high cost begin first.
+# kelda_add_unit_test(NAME source... [LIBRARIES library...] [COST cost])
+# One test program, which is one test of CTest: tools/run_gtest.py runs its cases in one process and counts them. Tests of a
+# high cost begin first.
 function(kelda_add_unit_test name)
-    cmake_parse_arguments(arg "" "COST" "LIBRARIES;ISOLATED" ${ARGN})
+    cmake_parse_arguments(arg "" "COST" "LIBRARIES" ${ARGN})
+    if(NOT arg_COST)
+        set(arg_COST 1)
+    endif()
     add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PRIVATE kelda_compiler gmock_main ${arg_LIBRARIES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
     kelda_use_precompiled_headers_of(${name} kelda_test_headers)
-    if(NOT arg_COST)
-        set(arg_COST 1)
-    endif()
-    list(TRANSFORM arg_ISOLATED PREPEND --isolated=)
     add_test(NAME ${name}
-        COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/tools/run_gtest.py ${name} $<TARGET_FILE:${name}>
-                ${arg_ISOLATED})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 1800 COST "${arg_COST}")
+        COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/tools/run_gtest.py ${name} $<TARGET_FILE:${name}>)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 1800 COST ${arg_COST})
 endfunction()

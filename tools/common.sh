@@ -154,7 +154,8 @@ start_display() {
 
 make_prefix_template() {
     export WINEPREFIX=$PREFIX_TEMPLATE
-    rm -rf "$WINEPREFIX" "$DESKTOPS"/*/wine
+    rm -rf "$DESKTOPS"/*/wine
+    mkdir -p "$(dirname "$WINEPREFIX")"
     logged wine-prefix tools/run-in-wine wineboot --init
     # Wine draws the title bars itself: there is no window manager, and waiting for one costs two seconds a window.
     set_registry_value 'HKCU\Software\Wine\X11 Driver' Managed REG_SZ N
@@ -195,7 +196,8 @@ start_wine() {
 hold_desktop() {
     sleep infinity | tools/run-in-wine cmd >/dev/null 2>&1 9>&- &
     background+=($!)
-    logged wine-desktop tools/run-in-wine explorer /desktop
+    tools/run-in-wine explorer /desktop >"$LOG_DIR/wine-desktop.log" 2>&1 </dev/null 9>&- &
+    background+=($!)
 }
 
 # The package puts the server beside the loader, not on the PATH.

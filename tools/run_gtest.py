@@ -1,13 +1,12 @@
-"""Runs the cases of a GoogleTest program under Wine, all in one process but for those that need one of their own.
+"""Runs the cases of a GoogleTest program under Wine, all in one process.
 
-    run_gtest.py TEST PROGRAM [--isolated PATTERN]... [--plan]
+    run_gtest.py TEST PROGRAM [--plan]
 
 A case has passed only if the program says so: a program that crashes under Wine may exit with 0. The case in which the program
 ends or hangs has failed, and the program is started again for the cases after it. --plan only writes the names of the cases.
 """
 
 import argparse
-import fnmatch
 import re
 import subprocess
 import sys
@@ -139,7 +138,6 @@ def main() -> int:
     parser = argparse.ArgumentParser()
     parser.add_argument("test")
     parser.add_argument("program")
-    parser.add_argument("--isolated", action="append", default=[])
     parser.add_argument("--plan", action="store_true")
     arguments = parser.parse_args()
     with surroundings():
@@ -150,10 +148,7 @@ def main() -> int:
             return 0
         recorder = Recorder(arguments.test)
         cases = (read_plan(arguments.test) if folder() else []) or list_cases(arguments.program)
-        isolated = [case for case in cases if any(fnmatch.fnmatchcase(case, each) for each in arguments.isolated)]
-        run(arguments.test, arguments.program, [case for case in cases if case not in isolated], recorder)
-        for case in isolated:
-            run(arguments.test, arguments.program, [case], recorder)
+        run(arguments.test, arguments.program, cases, recorder)
     return 1 if recorder.failures else 0
 
 

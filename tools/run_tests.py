@@ -7,6 +7,7 @@ Without names all tests run. A failed case is named at once. On a terminal one l
 """
 
 import argparse
+import concurrent.futures
 import contextlib
 import json
 import os
@@ -147,10 +148,11 @@ def main() -> int:
     tests = find_tests(arguments.build, arguments.names)
     folder().mkdir(parents=True, exist_ok=True)
     arguments.log.write_bytes(b"")
-    for number, test in enumerate(tests):
-        status_line.show(f"Listing the cases, {number} of {len(tests)} programs")
-        record_file(test["name"]).unlink(missing_ok=True)
-        make_plan(test, arguments.log)
+    status_line.show("Listing the cases ...")
+    with concurrent.futures.ThreadPoolExecutor(PARALLEL) as executor:
+        for test in tests:
+            record_file(test["name"]).unlink(missing_ok=True)
+            executor.submit(make_plan, test, arguments.log)
     junit = folder() / "ctest.xml"
     junit.unlink(missing_ok=True)
     run = Run([test["name"] for test in tests])

@@ -83,8 +83,11 @@ TEST_F(Certificates, OfWhatThePageAsksForAreReportedAsWell) {
     site_.Add("/page", "<img src='" + server_.Url("/image") + "'>");
     page_->SetCertificateReports(true);
     EXPECT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
-    ASSERT_EQ(client_.problems.size(), 1U) << client_.problems.back().url;
-    EXPECT_EQ(client_.problems[0].url, server_.Url("/image"));
+    // Chromium sometimes asks once more for what was refused.
+    ASSERT_FALSE(client_.problems.empty());
+    for (const CertificateProblem& problem : client_.problems) {
+        EXPECT_EQ(problem.url, server_.Url("/image"));
+    }
 }
 
 TEST_F(Certificates, MayEndEverythingWhileTheyWait) {
