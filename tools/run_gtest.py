@@ -38,6 +38,7 @@ class Transcript:
         self.ended: set[str] = set()
         self.failed = 0
         self.complete = False
+        self.ending = ""
 
     def feed(self, text: str) -> bool:
         """Takes more of the output. Returns whether a case has begun or ended in it."""
@@ -45,9 +46,8 @@ class Transcript:
         return any([self._take(line) for line in lines])
 
     def give_up(self, why: str) -> None:
-        """Fails the case that the program is in, if there is one."""
-        if self.case:
-            self._end(self.case, False, 0, [*self._lines, self._rest, why])
+        """Fails the case that the program is in."""
+        self._end(self.case, False, 0, [*self._lines, self._rest, why])
 
     def text(self) -> str:
         return "\n".join([*self._lines, self._rest])
@@ -111,15 +111,14 @@ def run_once(test: str, program: str, cases: list[str], recorder: Recorder) -> T
         process = subprocess.Popen([RUN_IN_WINE, program, "--gtest_filter=" + ":".join(cases)], stdin=subprocess.DEVNULL,
                                    stdout=written, stderr=subprocess.STDOUT)
         try:
-            ending = follow(process, output, transcript)
+            transcript.ending = follow(process, output, transcript)
         finally:
             process.kill()
             process.wait()
-    transcript.give_up(ending)
-    if transcript.complete and process.returncode != 0 and not transcript.failed:
-        recorder.add(Outcome(f"{test}.end_of_program", False, 0, f"{transcript.text()}\n{ending}"))
-    elif not transcript.complete:
-        recorder.note(f"{test}: {ending} It had run {len(transcript.ended)} of {len(cases)} cases.")
+    if transcript.case:
+        transcript.give_up(transcript.ending)
+    elif transcript.ended and (process.returncode != 0 and not transcript.failed or not transcript.complete):
+        recorder.add(Outcome(f"{test}.outside_of_cases", False, 0, f"{transcript.text()}\n{transcript.ending}"))
     return transcript
 
 
@@ -130,7 +129,7 @@ def run(test: str, program: str, cases: list[str], recorder: Recorder) -> None:
         cases = [case for case in cases if case not in transcript.ended]
         if not transcript.ended:
             for case in cases:
-                recorder.add(Outcome(case, False, 0, f"{transcript.text()}\nThe program ended before its first case."))
+                recorder.add(Outcome(case, False, 0, f"{transcript.text()}\n{transcript.ending}"))
             return
 
 

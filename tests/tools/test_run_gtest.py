@@ -12,7 +12,7 @@ from unittest import mock
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
 
 import run_gtest
-from testing.results import Note, Outcome, Recorder, parse, record_file
+from testing.results import Outcome, Recorder, parse, record_file
 
 # A case does what its name says; the filter names the cases.
 PROGRAM = """
@@ -38,7 +38,9 @@ for name in names:
         print("expected one thing, got another")
         print(f"[  FAILED  ] {name}, where GetParam() = 4 (12 ms)")
     else:
-        print(f"[       OK ] {name} (1500 ms)")
+        print(f"[       OK ] {name} (1500 ms)", flush=True)
+    if name == "Case.IsTheLastBeforeTheEnd":
+        os._exit(0)
 print(f"[==========] {len(names)} tests from 1 test suite ran. (1 ms total)")
 print("[  FAILED  ] Case.Passes" if failed else "[  PASSED  ]", flush=True)
 sys.exit(3 if failed or "Case.SpoilsTheEnd" in names else 0)
@@ -54,14 +56,14 @@ class RunnerCase(unittest.TestCase):
         self.enterContext(mock.patch.object(run_gtest, "RUN_IN_WINE", sys.executable))
         self.enterContext(mock.patch.object(run_gtest, "CASE_SECONDS", 5))
 
-    def run_cases(self, *cases: str) -> list[Outcome | Note]:
+    def run_cases(self, *cases: str) -> list[Outcome]:
         """What has been recorded of these cases."""
         with contextlib.redirect_stdout(io.StringIO()):
             run_gtest.run("program", str(self.program), list(cases), Recorder("program"))
         return [parse(line) for line in record_file("program").read_text("utf-8").splitlines()]
 
     def outcomes(self, *cases: str) -> dict[str, bool]:
-        return {entry.case: entry.passed for entry in self.run_cases(*cases) if isinstance(entry, Outcome)}
+        return {outcome.case: outcome.passed for outcome in self.run_cases(*cases)}
 
     def starts(self) -> int:
         return len(Path(f"{self.program}.starts").read_text("utf-8"))
@@ -85,8 +87,7 @@ class Cases(RunnerCase):
 
 class Program(RunnerCase):
     def test_that_crashes_fails_that_case_and_is_started_again_for_the_rest(self) -> None:
-        entries = self.run_cases("Case.Passes", "Case.Crashes", "Case.PassesToo")
-        outcomes = [entry for entry in entries if isinstance(entry, Outcome)]
+        outcomes = self.run_cases("Case.Passes", "Case.Crashes", "Case.PassesToo")
         self.assertEqual([(entry.case, entry.passed) for entry in outcomes],
                          [("Case.Passes", True), ("Case.Crashes", False), ("Case.PassesToo", True)])
         self.assertIn("the last words", outcomes[1].output)
@@ -97,11 +98,17 @@ class Program(RunnerCase):
         self.assertEqual(self.outcomes("Case.Hangs", "Case.Passes"), {"Case.Hangs": False, "Case.Passes": True})
 
     def test_that_fails_after_its_last_case_is_a_failure_of_its_own(self) -> None:
-        self.assertEqual(self.outcomes("Case.SpoilsTheEnd"), {"Case.SpoilsTheEnd": True, "program.end_of_program": False})
+        self.assertEqual(self.outcomes("Case.SpoilsTheEnd"), {"Case.SpoilsTheEnd": True, "program.outside_of_cases": False})
+
+    def test_that_ends_between_two_cases_is_a_failure_of_its_own(self) -> None:
+        self.assertEqual(self.outcomes("Case.Passes", "Case.IsTheLastBeforeTheEnd", "Case.PassesToo"),
+                         {"Case.Passes": True, "Case.IsTheLastBeforeTheEnd": True, "program.outside_of_cases": False,
+                          "Case.PassesToo": True})
+        self.assertEqual(self.starts(), 2)
 
     def test_that_ends_before_its_first_case_fails_all_its_cases(self) -> None:
         entries = self.run_cases("Start.Ends", "Case.Passes")
-        self.assertEqual([(entry.case, entry.passed) for entry in entries if isinstance(entry, Outcome)],
+        self.assertEqual([(entry.case, entry.passed) for entry in entries],
                          [("Start.Ends", False), ("Case.Passes", False)])
-        self.assertIn("status 7", " ".join(entry.note for entry in entries if isinstance(entry, Note)))
+        self.assertIn("status 7", entries[0].output)
         self.assertEqual(self.starts(), 1)

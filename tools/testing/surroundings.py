@@ -45,7 +45,7 @@ def remove(folder: str) -> None:
 def desktop() -> Iterator[None]:
     """Takes one of the desktops below the folder that KELDA_DESKTOPS names; without it the caller's desktop serves.
 
-    A desktop is a display with a Wine prefix. Whoever has it has the keyboard, the cookies and the credentials.
+    A desktop is a display with a Wine prefix. The process that holds it has its keyboard, cookies and credentials to itself.
     """
     folder = os.environ.get("KELDA_DESKTOPS")
     if not folder:
