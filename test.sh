@@ -7,12 +7,13 @@ cd "$(dirname "$0")" || exit 1
 # shellcheck source=tools/common.sh
 . tools/common.sh
 
-# The targets of the tests that were named: a test program's target has its name, any other test may need them all.
+# targets_of TEST...: what has to be built. A test program's target has its name; other tests may need any target.
 targets_of() {
-    case " $* " in
-    "  " | *" tests."* | *" native."*) echo all ;;
-    *) echo "$@" ;;
-    esac
+    local name
+    for name in "$@"; do
+        [[ $name = *_test ]] || set --
+    done
+    echo "${@:-all}"
 }
 
 begin
