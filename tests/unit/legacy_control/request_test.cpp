@@ -35,8 +35,9 @@ std::vector<std::string> PartsOf(const std::string& line) {
     return parts;
 }
 
-void SetUserAgent(std::string agent) {
-    UrlMkSetSessionOption(URLMON_OPTION_USERAGENT, agent.data(), static_cast<DWORD>(agent.size() + 1), 0);
+void SetUserAgent(const std::string& agent) {
+    std::string text = agent; // urlmon takes no constant text
+    UrlMkSetSessionOption(URLMON_OPTION_USERAGENT, text.data(), static_cast<DWORD>(text.size() + 1), 0);
 }
 
 std::string UserAgent() {
