@@ -112,4 +112,6 @@ class UserDataFolder(BrowserCase):
 def native_path(path: str) -> Path:
     """A path as Wine tells it to the machine below."""
     drive, *folders = path.split("\\")
+    if drive == "Z:":
+        return Path("/", *folders)
     return Path(os.environ["WINEPREFIX"], "dosdevices", drive.lower(), *folders)
