@@ -266,6 +266,8 @@ begin() {
     mkdir -p "$LOG_DIR" || fail "the folder build/ cannot be written"
     exec 9>"$PWD/build/.lock"
     flock --nonblock 9 || fail "another run is going on in this checkout"
+    # Of an earlier run that was killed, or had more desktops: their displays are gone.
+    rm -f "$DESKTOPS"/*/display
     trap clean_up EXIT
     trap 'exit 130' INT
     trap 'exit 143' TERM
