@@ -1,5 +1,5 @@
-# A quick build: precompiled headers everywhere, and the sources of testbed and tests in unity batches. Neither changes what
-# is built. Both hide a missing #include, which tools/check_includes.py and `./lint.sh --alone` find.
+# A quick build: precompiled headers, and the sources of testbed and tests in unity batches. The modules that are shipped keep
+# their optimisation. Both hide a missing #include, which tools/check_includes.py and `./lint.sh --alone` find.
 option(KELDA_FAST_BUILD "Precompile the platform's headers, and compile testbed and tests in unity batches" OFF)
 
 # Once they are precompiled, GCC no longer spares the system's headers its warnings about possible flows, which are often
