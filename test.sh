@@ -22,6 +22,7 @@ configure_options=(-DKELDA_REQUIRE_NATIVE_TEST=ON)
 # shellcheck disable=SC2046  # names without spaces
 build_targets $(targets_of "$@")
 start_desktop 1
+start_desktop 2
 
 # Read by tools/testing: each test has a desktop and a folder for temporary files to itself.
 export KELDA_DESKTOPS=$DESKTOPS KELDA_TEST_RESULTS=$PWD/build/test-results

@@ -200,9 +200,9 @@ hold_desktop() {
     background+=($!)
 }
 
-# The package puts the server beside the loader, not on the PATH.
+# The package puts the server beside the loader, not on the PATH. Its socket is below TMPDIR: see tools/run-in-wine.
 wineserver_of_prefix() {
-    "$(command -v wineserver || echo /usr/lib/wine/wineserver)" "$@"
+    TMPDIR=/tmp "$(command -v wineserver || echo /usr/lib/wine/wineserver)" "$@"
 }
 
 # wait_until SECONDS COMMAND...: true as soon as the command is.

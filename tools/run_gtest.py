@@ -16,7 +16,7 @@ from pathlib import Path
 from typing import IO
 
 from testing.results import Outcome, Recorder, folder, plan_file, read_plan, write_plan
-from testing.surroundings import surroundings
+from testing.surroundings import processes, surroundings
 
 RUN_IN_WINE = Path(__file__).resolve().parent / "run-in-wine"
 CASE_SECONDS = 60
@@ -96,9 +96,10 @@ def follow(process: subprocess.Popen, output: IO[str], transcript: Transcript) -
         if status is not None:
             return f"The program has ended with status {status}."
         if time.monotonic() > deadline:
+            running = processes()
             process.kill()
             process.wait()
-            return f"The program was ended after {CASE_SECONDS} seconds without a new case."
+            return f"The program was ended after {CASE_SECONDS} seconds without a new case. There were these processes:\n{running}"
         time.sleep(POLL_SECONDS)
 
 

@@ -21,8 +21,7 @@ from pathlib import Path
 
 from testing.results import LONGEST_OUTPUT_LINES, Note, Outcome, folder, parse, read_plan, record_file
 
-# Two at a time would be quicker. But then a Chromium now and then fails to start, for a reason that is not known yet.
-PARALLEL = 1
+PARALLEL = 2
 POLL_SECONDS = 0.3
 
 

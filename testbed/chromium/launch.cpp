@@ -2,7 +2,7 @@
 // 3 and 4. So a few lines of Perl stand in between. They also stay, and tell at descriptor 1 how Chromium has ended: the end
 // of the socket is no sign of that, since Chromium shuts it down some time before its end, and after a crash Chromium's
 // other processes may still hold it. They shut both sockets down rather than close them, because a process that was started
-// in the same moment may have inherited them.
+// in the same moment may have inherited them. And they kill a Chromium that goes on running after its host has left.
 #include "testbed/chromium/launch.h"
 
 #include <array>
@@ -21,16 +21,23 @@ constexpr UINT kNativeCodePage = 65010;
 // No double quotes and no backslashes: it goes through a command line.
 constexpr std::wstring_view kLauncher =
     L"use POSIX; use Fcntl;"
-    L"fcntl(STDIN, F_SETFL, fcntl(STDIN, F_GETFL, 0) & ~O_NONBLOCK);"
-    L"open(STDERR, '>', '/dev/null');"
+    L"fcntl($_, F_SETFL, fcntl($_, F_GETFL, 0) & ~O_NONBLOCK) for *STDIN, *STDOUT;"
+    L"open(STDERR, '>>', length($ENV{KELDA_TEST_BROWSER_LOG} // '') ? $ENV{KELDA_TEST_BROWSER_LOG} : '/dev/null');"
     L"my $pid = fork;"
     L"if (defined $pid && $pid == 0) {"
     L" $ENV{HOME} = $ENV{KELDA_TEST_BROWSER_HOME} if length($ENV{KELDA_TEST_BROWSER_HOME} // '');"
+    L" $ENV{TMPDIR} = $ENV{KELDA_TEST_BROWSER_TEMP} if length($ENV{KELDA_TEST_BROWSER_TEMP} // '');"
     L" POSIX::dup2(0, 3); POSIX::dup2(0, 4); open(STDIN, '<', '/dev/null'); open(STDOUT, '>', '/dev/null');"
     L" exec('/usr/bin/chromium', @ARGV, $> == 0 ? '--no-sandbox' : ()); POSIX::_exit(127);"
     L"}"
+    L"my $guard = fork;"
+    L"if (defined $guard && $guard == 0) {"
+    L" close(STDIN); POSIX::read(1, my $byte, 1); sleep(2); kill('KILL', $pid); POSIX::_exit(0);"
+    L"}"
     L"waitpid($pid, 0);"
     L"my $status = $? & 127 ? 256 + ($? & 127) : $? >> 8;"
+    L"kill('KILL', $guard) if $guard;"
+    L"print(STDERR 'Chromium (process ', $pid, ') has ended with status ', $status, chr(10));"
     L"my $text = sprintf('{%cmethod%c:%cLauncher.exited%c,%cparams%c:{%cstatus%c:%d}}', (34) x 8, $status) . "
     L"chr(0);"
     L"POSIX::write(1, $text, length($text)); shutdown(STDIN, 2); shutdown(STDOUT, 2);";
@@ -84,6 +91,24 @@ std::wstring CommandLine(const std::string& nativeFolder) {
     return line + L" " + Quoted(L"--user-data-dir=" + FromNative(nativeFolder));
 }
 
+/// Starts a program of the machine below; it inherits what is marked for that.
+///
+/// @return a Win32 error.
+DWORD StartNative(const wchar_t* program, std::wstring line, STARTUPINFOW& startup) {
+    PROCESS_INFORMATION process{};
+    if (CreateProcessW(program, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                       &process) == FALSE) {
+        return GetLastError();
+    }
+    // Wine gives none for a program of the machine below.
+    for (HANDLE handle : {process.hProcess, process.hThread}) {
+        if (handle != nullptr) {
+            CloseHandle(handle);
+        }
+    }
+    return ERROR_SUCCESS;
+}
+
 DWORD MakeFolder(const std::wstring& folder) {
     std::error_code problem;
     std::filesystem::create_directories(folder, problem);
@@ -127,19 +152,13 @@ DWORD StartChromium(const std::string& nativeFolder, const Socket& channel, cons
     startup.hStdInput = reinterpret_cast<HANDLE>(channel.Get());
     startup.hStdOutput = reinterpret_cast<HANDLE>(status.Get());
     startup.hStdError = INVALID_HANDLE_VALUE;
-    PROCESS_INFORMATION process{};
-    std::wstring line = CommandLine(nativeFolder);
-    if (CreateProcessW(kInterpreter, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                       &process) == FALSE) {
-        return GetLastError();
-    }
-    // Wine gives none for a program of the machine below.
-    for (HANDLE handle : {process.hProcess, process.hThread}) {
-        if (handle != nullptr) {
-            CloseHandle(handle);
-        }
-    }
-    return ERROR_SUCCESS;
+    return StartNative(kInterpreter, CommandLine(nativeFolder), startup);
+}
+
+void StartRemoving(const std::string& nativeFolder) {
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    StartNative(L"\\\\?\\unix\\bin\\rm", L"rm -rf -- " + Quoted(FromNative(nativeFolder)), startup);
 }
 
 } // namespace testbed::chromium

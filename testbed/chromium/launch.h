@@ -24,9 +24,13 @@ constexpr int kExitedFolderInUse = 21;
 
 /// From now on Chromium reads and writes at the other end of `channel`, messages that end with a zero byte, and ends when that
 /// is closed. When Chromium has ended, and not before, `kExitedEvent` arrives at the other end of `status`, which is closed
-/// then.
+/// then. If `status` is shut down before, Chromium is killed two seconds later.
 ///
 /// @return a Win32 error. Whether there is a Chromium to start shows only later, by `kExitedNotFound`.
 DWORD StartChromium(const std::string& nativeFolder, const Socket& channel, const Socket& status);
+
+/// Starts to remove a folder with all that is in it, and does not wait. By a program of the machine below: Windows' functions
+/// do not see the links to nowhere that a killed Chromium leaves.
+void StartRemoving(const std::string& nativeFolder);
 
 } // namespace testbed::chromium

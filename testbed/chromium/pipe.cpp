@@ -17,6 +17,8 @@ namespace testbed::chromium {
 namespace {
 
 constexpr DWORD kSendMilliseconds = 5000;
+/// More than the launcher takes to kill a Chromium whose status nobody waits for any more.
+constexpr DWORD kKillMilliseconds = 5000;
 constexpr std::size_t kReadSize = 65536;
 
 } // namespace
@@ -38,7 +40,12 @@ Pipe::Pipe(Socket channel, Socket status, std::function<void()> arrived)
 Pipe::~Pipe() {
     Close();
     shutdown(status_.Get(), SD_BOTH);
-    WaitForSingleObject(reader_.get(), INFINITE);
+    // Below Wine a shutdown does not end a read that waits; it ends when the other end closes.
+    if (WaitForSingleObject(reader_.get(), kKillMilliseconds) != WAIT_OBJECT_0) {
+        CancelIoEx(reinterpret_cast<HANDLE>(channel_.Get()), nullptr);
+        CancelIoEx(reinterpret_cast<HANDLE>(status_.Get()), nullptr);
+        WaitForSingleObject(reader_.get(), INFINITE);
+    }
 }
 
 bool Pipe::Take(std::deque<std::string>& messages) {

@@ -21,7 +21,7 @@ class Pipe {
     /// @throws std::system_error if there is no window or no thread to be had.
     Pipe(Socket channel, Socket status, std::function<void()> arrived);
 
-    /// Closes the channel, and with it Chromium.
+    /// Closes the channel, and with it Chromium: one that does not end by itself is killed by its launcher.
     ~Pipe();
     Pipe(const Pipe&) = delete;
     Pipe& operator=(const Pipe&) = delete;

@@ -3,15 +3,21 @@
 
 #include <atomic>
 #include <filesystem>
-#include <system_error>
 
 #include <windows.h>
+
+#include "testbed/chromium/launch.h"
 
 namespace legacy_control {
 namespace {
 
 constexpr ULONGLONG kRemoveMilliseconds = 3000;
-constexpr DWORD kBetweenTriesMilliseconds = 20;
+constexpr ULONGLONG kTryMilliseconds = 500;
+constexpr DWORD kBetweenLooksMilliseconds = 10;
+
+bool Exists(const std::wstring& folder) {
+    return GetFileAttributesW(folder.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
 
 } // namespace
 
@@ -23,14 +29,17 @@ ProfileFolder::ProfileFolder() {
     path_ = (std::filesystem::temp_directory_path() / name).wstring();
 }
 
-// Processes that Chromium has started outlive it by a moment, with files of theirs in the folder.
+// Not by std::filesystem::remove_all, which goes on for ever over a link whose target vanishes meanwhile. More than one try:
+// processes that Chromium has started outlive it by a moment, and write there.
 ProfileFolder::~ProfileFolder() {
     const ULONGLONG deadline = GetTickCount64() + kRemoveMilliseconds;
-    std::error_code problem;
-    std::filesystem::remove_all(path_, problem);
-    while (problem && GetTickCount64() < deadline) {
-        Sleep(kBetweenTriesMilliseconds);
-        std::filesystem::remove_all(path_, problem);
+    while (Exists(path_) && GetTickCount64() < deadline) {
+        DWORD error = ERROR_SUCCESS;
+        testbed::chromium::StartRemoving(testbed::chromium::NativeFolder(path_, error));
+        const ULONGLONG nextTry = GetTickCount64() + kTryMilliseconds;
+        while (Exists(path_) && GetTickCount64() < nextTry) {
+            Sleep(kBetweenLooksMilliseconds);
+        }
     }
 }
 

@@ -81,6 +81,15 @@ class Cases(RunnerCase):
         self.assertIn("expected one thing, got another", failed.output)
         self.assertEqual(self.starts(), 1)
 
+    def test_that_fail_are_recorded_with_what_chromium_said(self) -> None:
+        log = Path(f"{self.program}.chromium.log")
+        log.write_text("Chromium (process 7) has ended with status 133\n", "utf-8")
+        with mock.patch.dict(os.environ, {"KELDA_TEST_BROWSER_LOG": str(log)}):
+            passed, failed = self.run_cases("Case.Passes", "Case.Fails")
+        self.assertEqual(passed.output, "")
+        self.assertIn("expected one thing, got another", failed.output)
+        self.assertIn("has ended with status 133", failed.output)
+
     def test_that_are_skipped_have_not_passed(self) -> None:
         self.assertEqual(self.outcomes("Case.IsSkipped"), {"Case.IsSkipped": False})
 
@@ -95,7 +104,9 @@ class Program(RunnerCase):
         self.assertEqual(self.starts(), 2)
 
     def test_that_hangs_is_ended_and_fails_that_case(self) -> None:
-        self.assertEqual(self.outcomes("Case.Hangs", "Case.Passes"), {"Case.Hangs": False, "Case.Passes": True})
+        hung, passed = self.run_cases("Case.Hangs", "Case.Passes")
+        self.assertEqual((hung.passed, passed.passed), (False, True))
+        self.assertRegex(hung.output, rf"(?m)^\d+ S \S+ .*{self.program}")
 
     def test_that_fails_after_its_last_case_is_a_failure_of_its_own(self) -> None:
         self.assertEqual(self.outcomes("Case.SpoilsTheEnd"), {"Case.SpoilsTheEnd": True, "program.outside_of_cases": False})

@@ -7,7 +7,10 @@ import os
 from collections.abc import Iterable
 from pathlib import Path
 
+from testing.surroundings import browser_log
+
 LONGEST_OUTPUT_LINES = 40
+LONGEST_LOG_LINES = 12
 
 
 @dataclasses.dataclass
@@ -66,10 +69,14 @@ class Recorder:
     def add(self, outcome: Outcome) -> None:
         self.failures += not outcome.passed
         print(f"{'passed' if outcome.passed else 'FAILED'}  {outcome.case} ({outcome.seconds:.2f} s)", flush=True)
-        if not outcome.passed:
-            print(outcome.output, flush=True)
+        if outcome.passed:
+            self._append(dataclasses.replace(outcome, output=""))
+            return
         last_lines = "\n".join(outcome.output.splitlines()[-LONGEST_OUTPUT_LINES:])
-        self._append(dataclasses.replace(outcome, output="" if outcome.passed else last_lines))
+        if log := browser_log(LONGEST_LOG_LINES):
+            last_lines += f"\nWhat Chromium said last in this test:\n{log}"
+        print(last_lines, flush=True)
+        self._append(dataclasses.replace(outcome, output=last_lines))
 
     def note(self, text: str) -> None:
         print(text, flush=True)

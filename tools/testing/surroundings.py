@@ -11,6 +11,7 @@ from pathlib import Path
 
 POLL_SECONDS = 0.1
 REMOVE_SECONDS = 10
+LONGEST_COMMAND = 120
 
 
 @contextlib.contextmanager
@@ -25,6 +26,7 @@ def temporary_folder() -> Iterator[None]:
     """Makes a folder below the one that KELDA_TEST_TEMP names, or else where temporary files usually go."""
     folder = tempfile.mkdtemp(prefix="", dir=os.environ.get("KELDA_TEST_TEMP"))
     os.environ["TMPDIR"] = folder
+    os.environ["KELDA_TEST_BROWSER_LOG"] = os.path.join(folder, "chromium.log")
     tempfile.tempdir = None
     try:
         yield
@@ -39,6 +41,28 @@ def remove(folder: str) -> None:
         shutil.rmtree(folder, ignore_errors=True)
         if os.path.exists(folder):
             time.sleep(POLL_SECONDS)
+
+
+def browser_log(lines: int) -> str:
+    """The last lines of what the test's Chromiums have said."""
+    log = os.environ.get("KELDA_TEST_BROWSER_LOG")
+    if not log or not os.path.exists(log):
+        return ""
+    return "\n".join(Path(log).read_text("utf-8", "replace").splitlines()[-lines:])
+
+
+def processes() -> str:
+    """The processes that use this test's temporary folder, a line each: number, state, where it waits, command line."""
+    mine = f"={tempfile.gettempdir()}\0".encode()
+    lines = []
+    for process in Path("/proc").glob("[0-9]*"):
+        with contextlib.suppress(OSError):
+            if mine in (process / "environ").read_bytes():
+                state = (process / "stat").read_text("utf-8").rpartition(")")[2].split()[0]
+                place = (process / "wchan").read_text("utf-8")
+                command = (process / "cmdline").read_text("utf-8", "replace").replace("\0", " ")
+                lines.append(f"{process.name} {state} {place} {command[:LONGEST_COMMAND]}")
+    return "\n".join(lines)
 
 
 @contextlib.contextmanager

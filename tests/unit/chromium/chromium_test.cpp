@@ -142,6 +142,13 @@ void ProfileFolder::HoldChromium(int seconds) const {
     ASSERT_TRUE(PumpUntil([&] { return test_support::NativeState(process) == 'T'; }));
 }
 
+void ProfileFolder::StopChromium() const {
+    const int process = Chromium();
+    ASSERT_NE(process, 0);
+    test_support::RunNative(L"/usr/bin/perl", L"-e \"kill 'STOP', " + std::to_wstring(process) + L"\"");
+    ASSERT_TRUE(PumpUntil([&] { return test_support::NativeState(process) == 'T'; }));
+}
+
 Site::Site()
     : server_([this](const std::string& request) {
           const std::size_t start = request.find(' ') + 1;

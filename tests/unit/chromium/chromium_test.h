@@ -46,6 +46,8 @@ class ProfileFolder {
     void KillRenderers() const;
     /// Stops that process; it goes on after so many seconds.
     void HoldChromium(int seconds) const;
+    /// Stops that process for good.
+    void StopChromium() const;
 
   private:
     std::wstring top_;

@@ -1,5 +1,8 @@
 // The launcher by itself, without a connection on top.
 #include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "testbed/chromium/launch.h"
@@ -41,6 +44,24 @@ TEST(Launcher, EndsTheStatusAlsoWhereAnotherProcessHasInheritedIt) {
     std::string said;
     EXPECT_TRUE(ReadToEnd(status.ours, said));
     EXPECT_NE(said.find(kExitedEvent), std::string::npos) << said;
+}
+
+TEST(Launcher, SaysHowChromiumHasEndedInTheLogThatAVariableNames) {
+    const ProfileFolder log;
+    DWORD error = ERROR_SUCCESS;
+    const std::string nativeLog = NativeFolder(log.Path(), error) + "/chromium.log";
+    const test_support::ScopedVariable variable(L"KELDA_TEST_BROWSER_LOG", ToUtf16(nativeLog).c_str());
+    {
+        const ProfileFolder folder;
+        Opening opening = OpenBrowser(folder.Path());
+        ASSERT_NE(opening.browser, nullptr) << opening.error;
+        folder.KillChromium();
+        ASSERT_TRUE(PumpUntil([&] { return !opening.browser->Alive(); }));
+    }
+    std::ifstream file(std::filesystem::path(log.Path()) / L"chromium.log", std::ios::binary);
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    EXPECT_NE(text.find("has ended with status " + std::to_string(kExitedBySignal + 9)), std::string::npos)
+        << text;
 }
 
 TEST(Launcher, GivesChromiumTheHomeThatAVariableNames) {

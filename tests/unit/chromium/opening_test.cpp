@@ -122,6 +122,17 @@ TEST(Opening, WaitsForAChromiumThatIsSlowToEnd) {
     EXPECT_NE(opening.browser, nullptr) << opening.error;
 }
 
+TEST(Opening, KillsAChromiumThatDoesNotEnd) {
+    const ProfileFolder folder;
+    Opening opening = OpenBrowser(folder.Path());
+    ASSERT_NE(opening.browser, nullptr) << opening.error;
+    ASSERT_NO_FATAL_FAILURE(folder.StopChromium());
+    opening.browser.reset();
+    EXPECT_EQ(folder.Chromium(), 0);
+    opening = OpenBrowser(folder.Path());
+    EXPECT_NE(opening.browser, nullptr) << opening.error;
+}
+
 TEST(Opening, LeavesNoProcessAndNoWindow) {
     EndSharedBrowser(); // it has a window as well
     const ProfileFolder folder;

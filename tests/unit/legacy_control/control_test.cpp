@@ -17,15 +17,21 @@ namespace {
 using testbed::chromium::ToUtf16;
 using testbed::chromium::ToUtf8;
 
-std::string FolderMark() {
+std::string FolderPrefix() {
     return "kelda-legacy-control-" + std::to_string(GetCurrentProcessId()) + "-";
+}
+
+/// What the command line of this process' Chromium has in it. A process in another Wine prefix may have the same number.
+std::string FolderMark() {
+    const std::wstring folder = std::filesystem::temp_directory_path().parent_path().filename().wstring();
+    return ToUtf8(folder) + "/" + FolderPrefix();
 }
 
 std::vector<std::string> ProfileFolders() {
     std::vector<std::string> found;
     for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::temp_directory_path())) {
         if (const std::string name = ToUtf8(entry.path().filename().wstring());
-            name.starts_with(FolderMark())) {
+            name.starts_with(FolderPrefix())) {
             found.push_back(name);
         }
     }

@@ -3,9 +3,9 @@
 #include <array>
 
 #include <exdispid.h>
-#include <urlmon.h>
 #include <wininet.h>
 
+#include "tests/support/session_user_agent.h"
 #include "tests/unit/legacy_control/control_test.h"
 
 namespace legacy_control_test {
@@ -13,6 +13,8 @@ namespace {
 
 using test_support::Answer;
 using test_support::HeaderOf;
+using test_support::SessionUserAgent;
+using test_support::SetSessionUserAgent;
 using testing::ElementsAre;
 
 std::wstring Wide(const std::string& text) {
@@ -35,19 +37,6 @@ std::vector<std::string> PartsOf(const std::string& line) {
     return parts;
 }
 
-void SetUserAgent(const std::string& agent) {
-    std::string text = agent; // urlmon takes no constant text
-    UrlMkSetSessionOption(URLMON_OPTION_USERAGENT, text.data(), static_cast<DWORD>(text.size() + 1), 0);
-}
-
-std::string UserAgent() {
-    DWORD size = 0;
-    UrlMkGetSessionOption(URLMON_OPTION_USERAGENT, nullptr, 0, &size, 0);
-    std::string text(size, '\0');
-    UrlMkGetSessionOption(URLMON_OPTION_USERAGENT, text.data(), size, &size, 0);
-    return text.substr(0, text.find('\0'));
-}
-
 class RequestTest : public ControlTest {
   protected:
     void SetUp() override {
@@ -56,7 +45,7 @@ class RequestTest : public ControlTest {
     }
 
     void TearDown() override {
-        SetUserAgent(userAgentBefore_);
+        SetSessionUserAgent(userAgentBefore_);
         // The store is the process's.
         for (const char* name : {"open", "hidden", "way", "goal", "more", "script", "late", "later", "gone",
                                  "kept", "cross", "shared"}) {
@@ -88,7 +77,7 @@ class RequestTest : public ControlTest {
     }
 
   private:
-    const std::string userAgentBefore_ = UserAgent();
+    const std::string userAgentBefore_ = SessionUserAgent();
 };
 
 TEST_F(RequestTest, TheServersCookiesAreStored) {
@@ -236,12 +225,12 @@ TEST_F(RequestTest, EveryRequestSaysWhatUrlmonSaysNow) {
     pages.Add("/picture", "no picture");
     pages.Add("/", "<img src=/picture>");
     std::string agent = "A test's own agent";
-    SetUserAgent(agent);
+    SetSessionUserAgent(agent);
     ASSERT_TRUE(Load(pages.Url("/")));
     EXPECT_EQ(HeaderOf(pages.Requests("/").back(), "User-Agent"), agent);
     EXPECT_EQ(HeaderOf(pages.Requests("/picture").back(), "User-Agent"), agent);
     agent = "Another agent";
-    SetUserAgent(agent);
+    SetSessionUserAgent(agent);
     ASSERT_TRUE(Load(pages.Url("/")));
     EXPECT_EQ(HeaderOf(pages.Requests("/").back(), "User-Agent"), agent);
 }
