@@ -56,7 +56,7 @@ std::shared_ptr<BrowserOpening> FindOrStart(const std::string& nativeFolder, con
     std::weak_ptr<BrowserOpening>& entry = openings.entries[{GetCurrentThreadId(), nativeFolder}];
     auto opening = entry.lock();
     if (opening == nullptr || !opening->Usable()) {
-        opening = BrowserOpening::Start(nativeFolder, options.userAgent, error);
+        opening = BrowserOpening::Start(nativeFolder, options, error);
         entry = opening;
     }
     return opening;

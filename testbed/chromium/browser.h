@@ -22,7 +22,9 @@ class PageClient;
 
 struct BrowserOptions {
     /// What pages and servers are told; empty: Chromium's own, without the word that gives away that it has no window.
-    std::string userAgent;
+    std::string userAgent = {};
+    /// Whether the user data folder goes when Chromium has ended, however it ends.
+    bool temporaryFolder = false;
 };
 
 /// One Chromium process on one user data folder. It ends with its last owner, or with the host process, however that ends.

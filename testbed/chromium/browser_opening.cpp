@@ -21,9 +21,9 @@ std::string WithoutHeadless(std::string userAgent) {
 } // namespace
 
 std::shared_ptr<BrowserOpening> BrowserOpening::Start(const std::string& nativeFolder,
-                                                      const std::string& userAgent, DWORD& error) {
-    auto opening = std::make_shared<BrowserOpening>(userAgent);
-    opening->connection_ = Connection::Start(nativeFolder, error);
+                                                      const BrowserOptions& options, DWORD& error) {
+    auto opening = std::make_shared<BrowserOpening>(options.userAgent);
+    opening->connection_ = Connection::Start({nativeFolder, options.temporaryFolder}, error);
     if (opening->connection_ == nullptr) {
         return nullptr;
     }

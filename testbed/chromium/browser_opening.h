@@ -18,7 +18,7 @@ class BrowserOpening : public std::enable_shared_from_this<BrowserOpening> {
 
     /// @return null and a Win32 error if Chromium could not even be launched.
     static std::shared_ptr<BrowserOpening> Start(const std::string& nativeFolder,
-                                                 const std::string& userAgent, DWORD& error);
+                                                 const BrowserOptions& options, DWORD& error);
 
     void Join(Browser::Opened opened) { waiting_.push_back(std::move(opened)); }
 

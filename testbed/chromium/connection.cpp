@@ -6,7 +6,6 @@
 #include <system_error>
 #include <utility>
 
-#include "testbed/chromium/launch.h"
 #include "testbed/chromium/message_text.h"
 
 namespace testbed::chromium {
@@ -34,7 +33,7 @@ void ReportMisunderstanding(const std::exception& problem) {
 
 } // namespace
 
-std::shared_ptr<Connection> Connection::Start(const std::string& nativeFolder, DWORD& error) try {
+std::shared_ptr<Connection> Connection::Start(const Profile& profile, DWORD& error) try {
     auto connection = std::make_shared<Connection>();
     SocketPair channel = MakeSocketPair();
     SocketPair status = MakeSocketPair();
@@ -42,7 +41,7 @@ std::shared_ptr<Connection> Connection::Start(const std::string& nativeFolder, D
         error = static_cast<DWORD>(WSAGetLastError());
         return nullptr;
     }
-    error = StartChromium(nativeFolder, channel.theirs, status.theirs);
+    error = StartChromium(profile, channel.theirs, status.theirs);
     if (error != ERROR_SUCCESS) {
         return nullptr;
     }

@@ -17,6 +17,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "testbed/chromium/launch.h"
 #include "testbed/chromium/pipe.h"
 
 namespace testbed::chromium {
@@ -48,7 +49,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
     /// Starts Chromium on a folder.
     /// @return null and a Win32 error if that fails.
-    static std::shared_ptr<Connection> Start(const std::string& nativeFolder, DWORD& error);
+    static std::shared_ptr<Connection> Start(const Profile& profile, DWORD& error);
 
     Connection() = default;
     ~Connection();

@@ -22,7 +22,9 @@ constexpr UINT kNativeCodePage = 65010;
 constexpr std::wstring_view kLauncher =
     L"use POSIX; use Fcntl;"
     L"fcntl($_, F_SETFL, fcntl($_, F_GETFL, 0) & ~O_NONBLOCK) for *STDIN, *STDOUT;"
-    L"open(STDERR, '>>', length($ENV{KELDA_TEST_BROWSER_LOG} // '') ? $ENV{KELDA_TEST_BROWSER_LOG} : '/dev/null');"
+    L"open(STDERR, '>>', length($ENV{KELDA_TEST_BROWSER_LOG} // '') ? $ENV{KELDA_TEST_BROWSER_LOG} : "
+    L"'/dev/null');"
+    L"my $temporary = shift;"
     L"my $pid = fork;"
     L"if (defined $pid && $pid == 0) {"
     L" $ENV{HOME} = $ENV{KELDA_TEST_BROWSER_HOME} if length($ENV{KELDA_TEST_BROWSER_HOME} // '');"
@@ -37,6 +39,11 @@ constexpr std::wstring_view kLauncher =
     L"waitpid($pid, 0);"
     L"my $status = $? & 127 ? 256 + ($? & 127) : $? >> 8;"
     L"kill('KILL', $guard) if $guard;"
+    // More than one try: processes that Chromium has started outlive it by a moment, and write there.
+    L"for (1 .. 30) {"
+    L" last if $status == 21 || !length($temporary) || !-e $temporary;"
+    L" system('/bin/rm', '-rf', '--', $temporary); select(undef, undef, undef, 0.05) if -e $temporary;"
+    L"}"
     L"print(STDERR 'Chromium (process ', $pid, ') has ended with status ', $status, chr(10));"
     L"my $text = sprintf('{%cmethod%c:%cLauncher.exited%c,%cparams%c:{%cstatus%c:%d}}', (34) x 8, $status) . "
     L"chr(0);"
@@ -83,30 +90,13 @@ std::wstring Quoted(std::wstring_view argument) {
     return quoted.append(backslashes, L'\\') + L'"';
 }
 
-std::wstring CommandLine(const std::string& nativeFolder) {
-    std::wstring line = L"perl -e " + Quoted(kLauncher) + L" --";
+std::wstring CommandLine(const Profile& profile) {
+    const std::wstring folder = FromNative(profile.nativeFolder);
+    std::wstring line = L"perl -e " + Quoted(kLauncher) + L" -- " + Quoted(profile.temporary ? folder : L"");
     for (const std::wstring_view option : kSwitches) {
         line.append(L" ").append(option);
     }
-    return line + L" " + Quoted(L"--user-data-dir=" + FromNative(nativeFolder));
-}
-
-/// Starts a program of the machine below; it inherits what is marked for that.
-///
-/// @return a Win32 error.
-DWORD StartNative(const wchar_t* program, std::wstring line, STARTUPINFOW& startup) {
-    PROCESS_INFORMATION process{};
-    if (CreateProcessW(program, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                       &process) == FALSE) {
-        return GetLastError();
-    }
-    // Wine gives none for a program of the machine below.
-    for (HANDLE handle : {process.hProcess, process.hThread}) {
-        if (handle != nullptr) {
-            CloseHandle(handle);
-        }
-    }
-    return ERROR_SUCCESS;
+    return line + L" " + Quoted(L"--user-data-dir=" + folder);
 }
 
 DWORD MakeFolder(const std::wstring& folder) {
@@ -145,20 +135,26 @@ std::string NativeFolder(const std::wstring& folder, DWORD& error) {
     return result;
 }
 
-DWORD StartChromium(const std::string& nativeFolder, const Socket& channel, const Socket& status) {
+DWORD StartChromium(const Profile& profile, const Socket& channel, const Socket& status) {
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdInput = reinterpret_cast<HANDLE>(channel.Get());
     startup.hStdOutput = reinterpret_cast<HANDLE>(status.Get());
     startup.hStdError = INVALID_HANDLE_VALUE;
-    return StartNative(kInterpreter, CommandLine(nativeFolder), startup);
-}
-
-void StartRemoving(const std::string& nativeFolder) {
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    StartNative(L"\\\\?\\unix\\bin\\rm", L"rm -rf -- " + Quoted(FromNative(nativeFolder)), startup);
+    PROCESS_INFORMATION process{};
+    std::wstring line = CommandLine(profile);
+    if (CreateProcessW(kInterpreter, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                       &process) == FALSE) {
+        return GetLastError();
+    }
+    // Wine gives none for a program of the machine below.
+    for (HANDLE handle : {process.hProcess, process.hThread}) {
+        if (handle != nullptr) {
+            CloseHandle(handle);
+        }
+    }
+    return ERROR_SUCCESS;
 }
 
 } // namespace testbed::chromium

@@ -15,6 +15,14 @@ namespace testbed::chromium {
 /// @param error the reason if the result is empty; `ERROR_FILE_NOT_FOUND` where there is nothing below, as on Windows.
 std::string NativeFolder(const std::wstring& folder, DWORD& error);
 
+/// A user data folder.
+struct Profile {
+    std::string nativeFolder;
+    /// Whether the launcher removes it when Chromium has ended. That is not for Windows' functions: they do not see the links
+    /// to nowhere that a killed Chromium leaves.
+    bool temporary = false;
+};
+
 /// What the launcher says when Chromium has ended, as an event with the member `status`: Chromium's exit status, or this
 /// plus the number of a signal.
 constexpr const char* kExitedEvent = "Launcher.exited";
@@ -23,14 +31,10 @@ constexpr int kExitedNotFound = 127;
 constexpr int kExitedFolderInUse = 21;
 
 /// From now on Chromium reads and writes at the other end of `channel`, messages that end with a zero byte, and ends when that
-/// is closed. When Chromium has ended, and not before, `kExitedEvent` arrives at the other end of `status`, which is closed
+/// is closed. When Chromium has ended and its temporary folder has gone, and not before, `kExitedEvent` arrives at the other end of `status`, which is closed
 /// then. If `status` is shut down before, Chromium is killed two seconds later.
 ///
 /// @return a Win32 error. Whether there is a Chromium to start shows only later, by `kExitedNotFound`.
-DWORD StartChromium(const std::string& nativeFolder, const Socket& channel, const Socket& status);
-
-/// Starts to remove a folder with all that is in it, and does not wait. By a program of the machine below: Windows' functions
-/// do not see the links to nowhere that a killed Chromium leaves.
-void StartRemoving(const std::string& nativeFolder);
+DWORD StartChromium(const Profile& profile, const Socket& channel, const Socket& status);
 
 } // namespace testbed::chromium

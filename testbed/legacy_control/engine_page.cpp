@@ -25,7 +25,7 @@ void EnginePage::Open() {
     opening_ = true;
     folder_ = ProfileFolder::OfThisThread();
     Browser::Open(
-        folder_->Path(), {},
+        folder_->Path(), {.temporaryFolder = true},
         [self = shared_from_this(), folder = folder_](const std::shared_ptr<Browser>& browser,
                                                       DWORD /*error*/) { self->OnBrowser(browser, folder); });
 }

@@ -6,17 +6,15 @@
 
 namespace legacy_control {
 
-/// A folder that is removed again, within three seconds. Chromium has to have ended by then.
+/// The name of a folder. Chromium makes it, and its launcher removes it.
 class ProfileFolder {
   public:
-    ~ProfileFolder();
     ProfileFolder(const ProfileFolder&) = delete;
     ProfileFolder& operator=(const ProfileFolder&) = delete;
 
     /// The controls of a thread share one, and so their Chromium.
     static std::shared_ptr<ProfileFolder> OfThisThread();
 
-    /// It is there once Chromium is.
     const std::wstring& Path() const { return path_; }
 
   private:

@@ -186,10 +186,10 @@ HWND FindBox(const std::string& title) {
     return FindWindowW(MAKEINTRESOURCEW(32770), ToUtf16(title).c_str());
 }
 
-Opening OpenBrowser(const std::wstring& folder) {
+Opening OpenBrowser(const std::wstring& folder, const BrowserOptions& options) {
     // Shared with the callback, which may come after the deadline.
     const auto opening = std::make_shared<Opening>();
-    Browser::Open(folder, {}, [opening](std::shared_ptr<Browser> browser, DWORD error) {
+    Browser::Open(folder, options, [opening](std::shared_ptr<Browser> browser, DWORD error) {
         *opening = {true, std::move(browser), error};
     });
     EXPECT_FALSE(opening->answered) << "answered inside the call";
@@ -247,7 +247,7 @@ std::string Evaluate(Page& page, const std::string& expression) {
 
 std::shared_ptr<Connection> StartChromium(const ProfileFolder& folder) {
     DWORD error = ERROR_SUCCESS;
-    auto connection = Connection::Start(NativeFolder(folder.Path(), error), error);
+    auto connection = Connection::Start({NativeFolder(folder.Path(), error)}, error);
     EXPECT_EQ(error, ERROR_SUCCESS);
     return connection;
 }

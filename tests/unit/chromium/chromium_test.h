@@ -161,7 +161,7 @@ struct Opening {
 };
 
 /// @return what came of it; not answered if the deadline has passed.
-Opening OpenBrowser(const std::wstring& folder);
+Opening OpenBrowser(const std::wstring& folder, const BrowserOptions& options = {});
 
 /// Opens the browser that the cases of this program share, on a folder of its own. Opens another one once that has crashed.
 /// @return null on any failure.

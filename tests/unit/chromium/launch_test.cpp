@@ -38,7 +38,8 @@ TEST(Launcher, EndsTheStatusAlsoWhereAnotherProcessHasInheritedIt) {
     const SocketPair channel = MakeSocketPair();
     // Their ends stay open here, as they do in a process that was started in the same moment.
     const SocketPair status = MakeSocketPair();
-    ASSERT_EQ(StartChromium(nativeFolder, channel.theirs, status.theirs), static_cast<DWORD>(ERROR_SUCCESS));
+    ASSERT_EQ(StartChromium({nativeFolder}, channel.theirs, status.theirs),
+              static_cast<DWORD>(ERROR_SUCCESS));
     const std::string close = R"({"id":1,"method":"Browser.close"})";
     ASSERT_GT(send(channel.ours.Get(), close.c_str(), static_cast<int>(close.size()) + 1, 0), 0);
     std::string said;

@@ -133,6 +133,20 @@ TEST(Opening, KillsAChromiumThatDoesNotEnd) {
     EXPECT_NE(opening.browser, nullptr) << opening.error;
 }
 
+TEST(Opening, LeavesNoTemporaryFolderHoweverChromiumEnds) {
+    const ProfileFolder folder;
+    for (const bool killed : {false, true}) {
+        Opening opening = OpenBrowser(folder.Path(), {.temporaryFolder = true});
+        ASSERT_NE(opening.browser, nullptr) << opening.error;
+        if (killed) {
+            folder.KillChromium();
+            ASSERT_TRUE(PumpUntil([&] { return !opening.browser->Alive(); }));
+        }
+        opening.browser.reset();
+        EXPECT_FALSE(std::filesystem::exists(folder.Path())) << killed;
+    }
+}
+
 TEST(Opening, LeavesNoProcessAndNoWindow) {
     EndSharedBrowser(); // it has a window as well
     const ProfileFolder folder;
