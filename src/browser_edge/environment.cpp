@@ -1,6 +1,7 @@
 // The environment: where the browser comes from, where its profile lies, and the request for a controller once it is
 // there.
 #include <memory>
+#include <string>
 
 #include "WebView2EnvironmentOptions.h"
 
@@ -15,20 +16,34 @@
 using Microsoft::WRL::ComPtr;
 
 namespace kelda {
+namespace {
 
-// What the calls return is not looked at: failures come through the completion.
+/// What an environment is asked for with.
+struct EnvironmentArguments {
+    BrowserFolder browserFolder;
+    std::wstring userDataFolder;
+    ComPtr<ICoreWebView2EnvironmentOptions> options;
+};
+
+} // namespace
+
+// The loader neither copies nor references what it is given, and where an environment fails it uses it once more, before
+// it calls the completion. So the completion keeps it. What the calls return is not looked at: failures come through the
+// completion.
 void ZanWebBrowserEdge::Impl::Create(Callback* callback, HWND parent) {
     StopListening();
     parent_ = parent;
     callback_ = callback;
+    reportUnderWay_ = false;
     target_ = std::make_shared<Impl*>(this);
-    const BrowserFolder browserFolder = BrowserFolder::FromEnvironment();
-    const std::wstring userDataFolder = du::Utf8ToWideStr(ChooseUserDataFolder());
-    const ComPtr<ICoreWebView2EnvironmentOptions> options = MakeEnvironmentOptions();
+    const auto arguments = std::make_shared<const EnvironmentArguments>(
+        EnvironmentArguments{BrowserFolder::FromEnvironment(), du::Utf8ToWideStr(ChooseUserDataFolder()),
+                             MakeEnvironmentOptions()});
     const auto completed = MakeCallback<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler>(
-        target_, &Impl::OnEnvironmentCreated);
-    CreateCoreWebView2EnvironmentWithOptions(browserFolder.ForRuntime(), userDataFolder.c_str(),
-                                             options.Get(), completed.Get());
+        target_, &Impl::OnEnvironmentCreated, arguments);
+    CreateCoreWebView2EnvironmentWithOptions(arguments->browserFolder.ForRuntime(),
+                                             arguments->userDataFolder.c_str(), arguments->options.Get(),
+                                             completed.Get());
 }
 
 ComPtr<ICoreWebView2EnvironmentOptions> ZanWebBrowserEdge::Impl::MakeEnvironmentOptions() const {

@@ -21,13 +21,14 @@ using CallbackTarget = std::shared_ptr<Target*>;
 
 /// Implements a COM interface whose only method is `Invoke` by calling `member` of the target. Once the target has
 /// stopped listening it answers S_OK and does nothing: late completions are normal. An exception ends here, in the
-/// trace. Single-threaded: the count is a plain integer.
+/// trace. Until its last release it keeps what it was made with. Single-threaded: the count is a plain integer.
 template <typename Interface, typename Target, typename... Parameters>
 class ComCallback final : public Interface {
   public:
     using Member = HRESULT (Target::*)(Parameters...);
 
-    ComCallback(CallbackTarget<Target> target, Member member) : target_(std::move(target)), member_(member) {}
+    ComCallback(CallbackTarget<Target> target, Member member, std::shared_ptr<const void> kept)
+        : target_(std::move(target)), member_(member), kept_(std::move(kept)) {}
     virtual ~ComCallback() = default;
     ComCallback(const ComCallback&) = delete;
     ComCallback& operator=(const ComCallback&) = delete;
@@ -65,16 +66,19 @@ class ComCallback final : public Interface {
   private:
     CallbackTarget<Target> target_;
     Member member_;
+    std::shared_ptr<const void> kept_;
     ULONG count_ = 1;
 };
 
 /// A callback object that calls `member`; null when memory runs out.
+/// @param kept  Lives at least as long as the callback object.
 template <typename Interface, typename Target, typename... Parameters>
 Microsoft::WRL::ComPtr<Interface> MakeCallback(const CallbackTarget<Target>& target,
-                                               HRESULT (Target::*member)(Parameters...)) {
+                                               HRESULT (Target::*member)(Parameters...),
+                                               std::shared_ptr<const void> kept = nullptr) {
     Microsoft::WRL::ComPtr<Interface> callback;
     *callback.GetAddressOf() =
-        new (std::nothrow) ComCallback<Interface, Target, Parameters...>(target, member);
+        new (std::nothrow) ComCallback<Interface, Target, Parameters...>(target, member, std::move(kept));
     return callback; // with the reference that the object was made with
 }
 

@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <wrl/client.h>
+
 #include "WebView2.h"
 #include "com_object.h"
 #include "com_text.h"
@@ -19,6 +21,39 @@ STDAPI CompareBrowserVersions(PCWSTR version1, PCWSTR version2, int* result);
 extern "C" DWORD STDAPICALLTYPE KeldaTestRuntimeObjectCount();
 
 using webview2_runtime::WithoutExceptions;
+
+namespace {
+
+using EnvironmentHandler = ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler;
+
+/// The loader's own handler: where an environment has failed it asks once more before it tells the caller. As in the genuine
+/// loader the arguments are the caller's own, neither copied nor referenced.
+class SecondTry final : public webview2_runtime::ComObject<EnvironmentHandler, EnvironmentHandler> {
+  public:
+    SecondTry(PCWSTR browserFolder, PCWSTR userDataFolder, ICoreWebView2EnvironmentOptions* options,
+              EnvironmentHandler* handler)
+        : browserFolder_(browserFolder),
+          userDataFolder_(userDataFolder),
+          options_(options),
+          handler_(handler) {}
+
+    HRESULT STDMETHODCALLTYPE Invoke(HRESULT result, ICoreWebView2Environment* environment) override {
+        return WithoutExceptions([&] {
+            return FAILED(result) && SUCCEEDED(webview2_runtime::CreateEnvironment(
+                                         browserFolder_, userDataFolder_, options_, handler_.Get()))
+                       ? S_OK
+                       : handler_->Invoke(result, environment);
+        });
+    }
+
+  private:
+    PCWSTR browserFolder_;
+    PCWSTR userDataFolder_;
+    ICoreWebView2EnvironmentOptions* options_;
+    Microsoft::WRL::ComPtr<EnvironmentHandler> handler_;
+};
+
+} // namespace
 
 STDAPI GetAvailableCoreWebView2BrowserVersionString(PCWSTR browserExecutableFolder, LPWSTR* versionInfo) {
     return WithoutExceptions([&]() -> HRESULT {
@@ -37,9 +72,14 @@ STDAPI CreateCoreWebView2EnvironmentWithOptions(
     PCWSTR browserExecutableFolder, PCWSTR userDataFolder,
     ICoreWebView2EnvironmentOptions* environmentOptions,
     ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler* environmentCreatedHandler) {
-    return WithoutExceptions([&] {
+    return WithoutExceptions([&]() -> HRESULT {
+        if (environmentCreatedHandler == nullptr) {
+            return E_POINTER;
+        }
+        const auto handler = webview2_runtime::MakeObject<SecondTry>(
+            browserExecutableFolder, userDataFolder, environmentOptions, environmentCreatedHandler);
         return webview2_runtime::CreateEnvironment(browserExecutableFolder, userDataFolder,
-                                                   environmentOptions, environmentCreatedHandler);
+                                                   environmentOptions, handler.Get());
     });
 }
 

@@ -49,19 +49,22 @@ std::string Describe(ICoreWebView2EnvironmentOptions* options) {
 
 } // namespace
 
+std::string FakeRuntime::Arguments::Text() const {
+    return "browser=" + Narrow(browserFolder) + " data=" + Narrow(userDataFolder) + " " + Describe(options);
+}
+
 FakeRuntime::FakeRuntime() {
     present = this;
 }
 
 FakeRuntime::~FakeRuntime() {
     present = nullptr;
-    ExpectLast(environmentCreated, "the environment's completion");
+    DropEnvironmentCompletion(environmentCreated);
     ExpectLast(controllerCreated, "the controller's completion");
     ExpectLast(webView.scriptAdded, "the script's completion");
     for (auto& handler : webView.cookiesAsked) {
         ExpectLast(handler, "the cookies' completion");
     }
-    ExpectLast(options, "the environment options");
     while (!webView.handlers.empty()) {
         webView.Drop(std::string(webView.handlers.begin()->first));
     }
@@ -73,9 +76,21 @@ HRESULT FakeRuntime::CompleteEnvironment(HRESULT result) {
         environment = MakeFake<FakeEnvironment>(script, controllerCreated, "environment");
     }
     auto handler = std::exchange(environmentCreated, nullptr);
+    if (FAILED(result)) {
+        script.Call("the loader's second try", arguments_.Text());
+    }
     const HRESULT answer = handler->Invoke(result, environment.Get());
-    ExpectLast(handler, "the environment's completion");
+    DropEnvironmentCompletion(handler);
     return answer;
+}
+
+void FakeRuntime::DropEnvironmentCompletion(
+    ComPtr<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler>& handler) {
+    if (handler) {
+        ComPtr<ICoreWebView2EnvironmentOptions> options = arguments_.options;
+        ExpectLast(handler, "the environment's completion");
+        ExpectLast(options, "the environment options");
+    }
 }
 
 HRESULT FakeRuntime::CompleteController(HRESULT result) {
@@ -124,11 +139,8 @@ HRESULT
 FakeRuntime::CreateEnvironment(const wchar_t* browserFolder, const wchar_t* userDataFolder,
                                ICoreWebView2EnvironmentOptions* environmentOptions,
                                ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler* handler) {
-    options = environmentOptions;
-    const HRESULT answer =
-        script.Call("CreateCoreWebView2EnvironmentWithOptions", "browser=" + Narrow(browserFolder) +
-                                                                    " data=" + Narrow(userDataFolder) + " " +
-                                                                    Describe(environmentOptions));
+    arguments_ = {browserFolder, userDataFolder, environmentOptions};
+    const HRESULT answer = script.Call("CreateCoreWebView2EnvironmentWithOptions", arguments_.Text());
     if (SUCCEEDED(answer)) {
         environmentCreated = handler;
     }

@@ -30,15 +30,14 @@ class FakeRuntime {
     /// The text that was handed out for it last.
     const void* versionGiven = nullptr;
 
-    /// The options that an environment was asked for with.
-    Microsoft::WRL::ComPtr<ICoreWebView2EnvironmentOptions> options;
-
     // Completions that were asked for, until a test calls them.
     Microsoft::WRL::ComPtr<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler> environmentCreated;
     ControllerCreated controllerCreated;
     FakeWebViewState webView;
 
     // Each fails a test where somebody keeps the completion after it was called.
+
+    /// On a failure the loader asks the runtime once more first, with the caller's own arguments.
     HRESULT CompleteEnvironment(HRESULT result = S_OK);
     HRESULT CompleteController(HRESULT result = S_OK);
     HRESULT CompleteScript(HRESULT result = S_OK, const wchar_t* id = L"script-1");
@@ -52,6 +51,22 @@ class FakeRuntime {
     HRESULT CreateEnvironment(const wchar_t* browserFolder, const wchar_t* userDataFolder,
                               ICoreWebView2EnvironmentOptions* environmentOptions,
                               ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler* handler);
+
+  private:
+    /// What the loader was called with last: the caller's pointers as they are, neither copied nor referenced.
+    struct Arguments {
+        const wchar_t* browserFolder = nullptr;
+        const wchar_t* userDataFolder = nullptr;
+        ICoreWebView2EnvironmentOptions* options = nullptr;
+
+        std::string Text() const;
+    };
+
+    /// Lets go of the completion, which has to be the last to hold the options.
+    void DropEnvironmentCompletion(
+        Microsoft::WRL::ComPtr<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler>& handler);
+
+    Arguments arguments_;
 };
 
 } // namespace test_support

@@ -42,6 +42,13 @@ inline const test_support::Lines kNavigates = {
     "request gone",
 };
 
+/// What the loader does with the browser's arguments where an environment has failed.
+inline std::string SecondTry(const std::string& browserFolder) {
+    return "the loader's second try browser=" + browserFolder +
+           " data=C:\\prefs\\zanwbe sso=1 crash=1 arguments=(null) language=(null) target=146.0.3856.49";
+}
+inline const std::string kSecondTry = SecondTry("(null)");
+
 /// The page reads the host object's member, calls it, and so has the runtime asked for the session's cookies.
 constexpr DISPID kNorv = 888111888;
 constexpr const char* kPropertyRead =
@@ -180,13 +187,12 @@ class EdgeBrowserTest : public test_support::TranscriptTest {
     };
     std::vector<Timer> timers;
     int timerResult = 0;
+    bool timerIsSet = true; // whatever the result
     test_support::ReplacedImport<struct ToolkitTimer, decltype(ui_set_timer)> setTimer{
         "host_toolkit.dll", "ui_set_timer", [this](int milliseconds, UiCallback callback, void* data) {
             test_support::Record("ui_set_timer " + std::to_string(milliseconds));
-            if (timerResult == 0) {
+            if (timerIsSet) {
                 timers.push_back({callback, data});
-            } else {
-                watchedBlock = data;
             }
             return timerResult;
         }};

@@ -174,7 +174,17 @@ TEST_F(Teardown, AFailureThatArrivesAfterItIsAnsweredQuietly) {
     browser->Destroy();
     TakeTranscript();
     EXPECT_EQ(runtime.CompleteEnvironment(E_ABORT), S_OK);
-    EXPECT_EQ(TakeTranscript(), Lines{});
+    EXPECT_EQ(TakeTranscript(), Lines{kSecondTry});
+}
+
+TEST_F(Teardown, AFailureThatArrivesAfterItsDeletionIsTriedAgainWithWhatTheBrowserAskedFor) {
+    const test_support::ScopedVariable folder(kBrowserFolderVariable, L"C:\\a runtime");
+    MakeBrowser();
+    Create();
+    browser.reset();
+    TakeTranscript();
+    EXPECT_EQ(runtime.CompleteEnvironment(E_ABORT), S_OK);
+    EXPECT_EQ(TakeTranscript(), Lines{SecondTry("C:\\a runtime")});
 }
 
 TEST_F(Teardown, AControllerThatArrivesAfterItIsAnsweredQuietly) {

@@ -154,6 +154,24 @@ TEST_F(EnvironmentTest, AFolderThatIsInUseElsewhereFailsTheCompletion) {
     EXPECT_EQ(elsewhere, HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION));
 }
 
+TEST_F(EnvironmentTest, AFailureIsTriedAgainWithTheCallersArgumentsAsTheyAreThen) {
+    const std::wstring file = folder + L".txt";
+    CloseHandle(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    std::wstring text = file; // no folder can be made there
+    environment = Completed<ICoreWebView2CreateCoreWebView2EnvironmentCompletedHandler,
+                            ComPtr<ICoreWebView2Environment>>(
+                      [&](auto* handler) {
+                          const HRESULT called =
+                              Runtime().createWithOptions(nullptr, text.c_str(), nullptr, handler);
+                          text.resize(folder.size());
+                          return called;
+                      },
+                      [](HRESULT, ICoreWebView2Environment* created) { return created; })
+                      .value_or(nullptr);
+    EXPECT_TRUE(environment);
+    EXPECT_TRUE(DeleteFileW(file.c_str()));
+}
+
 TEST_F(EnvironmentTest, WithoutAFolderTheProfileIsBesideTheProgram) {
     std::wstring program(MAX_PATH, L'\0');
     program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
