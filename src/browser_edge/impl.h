@@ -80,6 +80,7 @@ class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDisp
     void AddDocumentScript() const;
 
     HRESULT OnDocumentScriptAdded(HRESULT result, LPCWSTR id);
+    void StartNavigation() const;
     HRESULT OnNavigationStarting(ICoreWebView2* sender, ICoreWebView2NavigationStartingEventArgs* args);
     HRESULT OnNavigationCompleted(ICoreWebView2* sender, ICoreWebView2NavigationCompletedEventArgs* args);
     HRESULT OnWebResourceRequested(ICoreWebView2* sender, ICoreWebView2WebResourceRequestedEventArgs* args);
@@ -93,6 +94,7 @@ class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDisp
                                          ICoreWebView2ClientCertificateRequestedEventArgs* args);
 
     HRESULT OnGetCookiesCompleted(HRESULT result, ICoreWebView2CookieList* list);
+    void AskForSessionCookies();
     static void ReportFromMessageLoop(const CallbackTarget<Impl>& target);
     static int ReportSessionAuthenticated(void* data);
     void TellOwnerOnce();
@@ -114,6 +116,7 @@ class ZanWebBrowserEdge::Impl final : public IDispatch, public ZanWebBrowserDisp
     HWND parent_ = nullptr;
     HWND windowHandle_ = nullptr; // the runtime does not tell it
     Callback* callback_ = nullptr;
+    bool reportUnderWay_ = false; // from the page's report to the owner's
     int mode_;
     ZanWebBrowserDispatchHelper dispatchHelper_{this};
     CallbackTarget<Impl> target_; // what the callbacks of the present browser know of this object

@@ -34,31 +34,43 @@ HRESULT ZanWebBrowserEdge::Impl::OnDocumentScriptAdded(HRESULT result, LPCWSTR i
         return S_OK;
     }
     scriptId_ = id != nullptr ? id : L"";
+    StartNavigation();
+    return S_OK;
+}
+
+// The owner may close or delete the browser in a trace line, while the runtime takes the cookies, or while it makes the
+// request.
+void ZanWebBrowserEdge::Impl::StartNavigation() const {
     const CallbackTarget<Impl> target = target_;
-    const std::wstring url = du::Utf8ToWideStr(url_.safe_c_str());
-    if (verboseTrace_) {
-        kWebBrowserEdgeTrace.Info() << "WinInet cookies before navigating to " << url_.safe_c_str();
+    const du::Symbol address = url_;
+    const std::wstring url = du::Utf8ToWideStr(address.safe_c_str());
+    const bool verbose = verboseTrace_;
+    if (verbose) {
+        kWebBrowserEdgeTrace.Info() << "WinInet cookies before navigating to " << address.safe_c_str();
         TraceWinInetCookies(url);
     }
-    // The owner may close or delete the browser while the runtime takes the cookies, or makes the request.
-    PrePopulateLoadBalancerCookies(url, cookieManager_, verboseTrace_);
     if (*target == nullptr) {
-        return S_OK;
+        return;
     }
-    if (verboseTrace_) {
-        kWebBrowserEdgeTrace.Info() << "Navigating to " << url_.safe_c_str();
+    PrePopulateLoadBalancerCookies(url, ComPtr<ICoreWebView2CookieManager>(cookieManager_), verbose);
+    if (verbose && *target != nullptr) {
+        kWebBrowserEdgeTrace.Info() << "Navigating to " << address.safe_c_str();
+    }
+    if (*target == nullptr) {
+        return;
     }
     ComPtr<ICoreWebView2WebResourceRequest> request;
     const HRESULT made = CallOn(objects_.environment2, &ICoreWebView2Environment2::CreateWebResourceRequest,
                                 url.c_str(), L"GET", nullptr, kFirstRequestHeaders, request.GetAddressOf());
-    if (*target == nullptr) {
-        return S_OK;
+    if (*target != nullptr) {
+        Succeeded(made, "CreateWebResourceRequest");
     }
-    Succeeded(made, "CreateWebResourceRequest");
     // Also without a request, so that the trace shows both.
-    Succeeded(CallOn(objects_.webView15, &ICoreWebView2_15::NavigateWithWebResourceRequest, request.Get()),
-              "NavigateWithWebResourceRequest");
-    return S_OK;
+    if (*target != nullptr) {
+        Succeeded(
+            CallOn(objects_.webView15, &ICoreWebView2_15::NavigateWithWebResourceRequest, request.Get()),
+            "NavigateWithWebResourceRequest");
+    }
 }
 
 // A link to the empty script only runs a handler of its page: there is nothing to load. Wherever it stands in the
@@ -111,8 +123,11 @@ HRESULT ZanWebBrowserEdge::Impl::OnNavigationCompleted(ICoreWebView2* /*sender*/
 // NOLINTNEXTLINE(readability-make-member-function-const): an event handler like the others in the table
 HRESULT ZanWebBrowserEdge::Impl::OnWebResourceResponseReceived(
     ICoreWebView2* /*sender*/, ICoreWebView2WebResourceResponseReceivedEventArgs* args) {
-    TraceResponse(args, verboseTrace_);
-    if (useCookieManager_) {
+    const bool verbose = verboseTrace_;
+    const bool capture = !useCookieManager_;
+    // From here on the browser may be gone: its owner may delete it in a trace line.
+    TraceResponse(args, verbose);
+    if (!capture) {
         return S_OK;
     }
     ComPtr<ICoreWebView2WebResourceRequest> request;
@@ -123,7 +138,7 @@ HRESULT ZanWebBrowserEdge::Impl::OnWebResourceResponseReceived(
     ComPtr<ICoreWebView2HttpResponseHeaders> headers;
     CallOn(response, &ICoreWebView2WebResourceResponseView::get_Headers, headers.GetAddressOf());
     if (!uri.empty()) { // else nobody could tell whose cookies they are
-        CaptureSetCookies(uri, headers, verboseTrace_);
+        CaptureSetCookies(uri, headers, verbose);
     }
     return S_OK;
 }

@@ -15,25 +15,39 @@
 
 namespace kelda {
 
-// Where the cookies cannot be asked for, nothing more is done: the owner is still there to be told, and the page may
-// call again.
 void ZanWebBrowserEdge::Impl::OnSessionAuthenticated() {
-    const std::wstring url = du::Utf8ToWideStr(url_.safe_c_str());
     if (useCookieManager_) {
-        const auto completed =
-            MakeCallback<ICoreWebView2GetCookiesCompletedHandler>(target_, &Impl::OnGetCookiesCompleted);
-        Succeeded(
-            CallOn(cookieManager_, &ICoreWebView2CookieManager::GetCookies, url.c_str(), completed.Get()),
-            "GetCookies");
+        AskForSessionCookies();
         return;
     }
+    const CallbackTarget<Impl> target = target_;
     if (verboseTrace_) {
-        TraceWinInetCookies(url);
+        TraceWinInetCookies(du::Utf8ToWideStr(url_.safe_c_str()));
     }
-    TellOwnerOnce();
+    if (*target != nullptr) {
+        TellOwnerOnce();
+    }
+}
+
+// A page may report again and again: while one report is on its way, the cookies are not asked for once more. Where they
+// cannot be had nothing more is done: the owner is still there to be told, and the page may report again.
+void ZanWebBrowserEdge::Impl::AskForSessionCookies() {
+    if (std::exchange(reportUnderWay_, true)) {
+        return;
+    }
+    const CallbackTarget<Impl> target = target_;
+    const auto completed =
+        MakeCallback<ICoreWebView2GetCookiesCompletedHandler>(target, &Impl::OnGetCookiesCompleted);
+    const HRESULT result = CallOn(cookieManager_, &ICoreWebView2CookieManager::GetCookies,
+                                  du::Utf8ToWideStr(url_.safe_c_str()).c_str(), completed.Get());
+    if (FAILED(result) && *target != nullptr) {
+        reportUnderWay_ = false;
+    }
+    Succeeded(result, "GetCookies");
 }
 
 HRESULT ZanWebBrowserEdge::Impl::OnGetCookiesCompleted(HRESULT result, ICoreWebView2CookieList* list) {
+    reportUnderWay_ = false;
     if (!Succeeded(result, "ICoreWebView2GetCookiesCompletedHandler")) {
         return result;
     }
@@ -45,15 +59,22 @@ HRESULT ZanWebBrowserEdge::Impl::OnGetCookiesCompleted(HRESULT result, ICoreWebV
 }
 
 // The owner is not told from inside the runtime's completion: what it does then may be anything, a modal dialog's end
-// included.
+// included. The data is the timer's whatever the toolkit answers: one that answers the timer's number calls back all the
+// same. If there is no timer, a few bytes are lost.
 void ZanWebBrowserEdge::Impl::ReportFromMessageLoop(const CallbackTarget<Impl>& target) {
     constexpr int kMilliseconds = 1;
-    auto data = std::make_unique<CallbackTarget<Impl>>(target);
-    if (const int error = ui_set_timer(kMilliseconds, &ReportSessionAuthenticated, data.get()); error != 0) {
-        kWebBrowserEdgeTrace.Info() << "Failed: ui_set_timer error code: " << error;
+    if (Impl* const impl = *target; impl != nullptr) {
+        impl->reportUnderWay_ = true;
+    }
+    auto* const data = new CallbackTarget<Impl>(target);
+    const int answer = ui_set_timer(kMilliseconds, &ReportSessionAuthenticated, data);
+    if (answer == 0) {
         return;
     }
-    static_cast<void>(data.release()); // the timer's now
+    if (Impl* const impl = *target; impl != nullptr) {
+        impl->reportUnderWay_ = false;
+    }
+    kWebBrowserEdgeTrace.Info() << "Failed: ui_set_timer error code: " << answer;
 }
 
 // The browser may be gone by now: the data is a cell of the timer's own.
@@ -62,6 +83,7 @@ int ZanWebBrowserEdge::Impl::ReportSessionAuthenticated(void* data) {
     AtComBoundary(
         [&] {
             if (Impl* const impl = **target; impl != nullptr) {
+                impl->reportUnderWay_ = false;
                 impl->TellOwnerOnce();
             }
             return S_OK;
@@ -73,8 +95,12 @@ int ZanWebBrowserEdge::Impl::ReportSessionAuthenticated(void* data) {
 // Once: a second call of the page, or a later load in check mode, finds no callback. It is cleared before it is called:
 // from there the owner may delete this object or create the browser anew, and a report from inside finds none either.
 void ZanWebBrowserEdge::Impl::TellOwnerOnce() {
-    if (callback_ != nullptr) {
-        kWebBrowserEdgeTrace.Info() << "OnSessionAuthenticated();";
+    if (callback_ == nullptr) {
+        return;
+    }
+    const CallbackTarget<Impl> target = target_;
+    kWebBrowserEdgeTrace.Info() << "OnSessionAuthenticated();";
+    if (*target != nullptr && callback_ != nullptr) {
         std::exchange(callback_, nullptr)->OnSessionAuthenticated();
     }
 }

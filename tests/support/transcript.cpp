@@ -38,12 +38,20 @@ std::string Hexadecimal(unsigned long value) {
 
 void TranscriptTest::RecordTrace(void* self, const char* module, const char* component, dp::TraceType type,
                                  const char* text) {
+    auto* const test = static_cast<TranscriptTest*>(self);
     std::string entry = "[" + std::to_string(static_cast<int>(type)) + "] " + text;
-    if (std::string_view(module) != "kelda" ||
-        std::string_view(component) != static_cast<TranscriptTest*>(self)->component_) {
+    if (std::string_view(module) != "kelda" || std::string_view(component) != test->component_) {
         entry += std::string(" (") + module + "/" + component + ")";
     }
     Record(std::move(entry));
+    if (test->insideTraceLine_ && std::string_view(text).find(test->awaitedText_) != std::string_view::npos) {
+        std::exchange(test->insideTraceLine_, nullptr)();
+    }
+}
+
+void TranscriptTest::InsideTraceLine(std::string text, std::function<void()> act) {
+    awaitedText_ = std::move(text);
+    insideTraceLine_ = std::move(act);
 }
 
 TranscriptTest::TranscriptTest(const char* component)

@@ -1,6 +1,7 @@
 // One list of what happened in a test, in order: calls of fakes and replaced system functions, and trace lines.
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -50,12 +51,17 @@ class TranscriptTest : public ::testing::Test {
     /// Only the trace lines of it.
     static Lines TakeTraceLines();
 
+    /// Has a function called once, from inside the next trace line with this text, as a host's sink may do.
+    void InsideTraceLine(std::string text, std::function<void()> act);
+
   private:
     static void RecordTrace(void* self, const char* module, const char* component, dp::TraceType type,
                             const char* text);
 
     const char* component_;
     int livingAtStart_;
+    std::string awaitedText_;
+    std::function<void()> insideTraceLine_;
 };
 
 } // namespace test_support

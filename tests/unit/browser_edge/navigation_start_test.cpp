@@ -166,6 +166,29 @@ TEST_F(NavigationStart, EndsQuietlyWhereTheBrowserIsDeletedWhileItMakesItsReques
     EXPECT_EQ(DeletedDuring("environment2.CreateWebResourceRequest"), Lines{"environment2 gone"});
 }
 
+TEST_F(NavigationStart, EndsQuietlyWhereTheBrowserIsDeletedInATraceLine) {
+    const ScopedVariable variable(kImplementationVariable, L"trace");
+    winInet.Hold(L"BIGipServer~pool", L"1");
+    for (const char* const text : {"WinInet cookies before navigating to ", "WinInet cookies for ",
+                                   "Pre-populating LB cookies for ", "Navigating to "}) {
+        AwaitScript();
+        InsideTraceLine(text, [this] { browser.reset(); });
+        EXPECT_EQ(runtime.CompleteScript(), S_OK);
+        EXPECT_EQ(browser, nullptr) << text;
+        const Lines lines = TakeTranscript();
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), kNavigates[1]), 0) << text;
+    }
+}
+
+TEST_F(NavigationStart, EndsQuietlyWhereTheBrowserIsDeletedInTheTraceLineOfAFailure) {
+    runtime.script.answers["environment2.CreateWebResourceRequest"] = E_INVALIDARG;
+    AwaitScript();
+    InsideTraceLine("CreateWebResourceRequest", [this] { browser.reset(); });
+    EXPECT_EQ(runtime.CompleteScript(), S_OK);
+    const Lines lines = TakeTranscript();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "webView15.NavigateWithWebResourceRequest (null)"), 0);
+}
+
 TEST_F(NavigationStart, IsLeftToTheNewBrowserWhereItIsCreatedAgainMeanwhile) {
     AwaitScript();
     runtime.script.during["environment2.CreateWebResourceRequest"] = [this] {

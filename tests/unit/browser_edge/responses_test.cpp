@@ -144,6 +144,19 @@ ExchangeContent WithSetCookies(const std::vector<std::wstring>& values) {
     return content;
 }
 
+TEST_F(Responses, DuringWhoseTraceTheBrowserIsDeletedAreCapturedAllTheSame) {
+    BringUpWith(L"trace parse");
+    auto* const handler = runtime.webView.HandlerOf<ICoreWebView2WebResourceResponseReceivedEventHandler>(
+        "WebResourceResponseReceived");
+    const Microsoft::WRL::ComPtr<ICoreWebView2WebResourceResponseReceivedEventHandler> kept = handler;
+    auto args = MakeFake<test_support::FakeResponseReceivedArgs>(runtime.script, WithSetCookies({L"b=2"}));
+    InsideTraceLine("Response 200 received", [this] { browser.reset(); });
+    EXPECT_EQ(kept->Invoke(nullptr, args.Get()), S_OK);
+    EXPECT_EQ(browser, nullptr);
+    const Lines lines = TakeTranscript();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), Write("b=2")), 1);
+}
+
 TEST_F(Responses, AreTracedWithTheHeadersOfBothSidesInOrder) {
     BringUpWith(L"trace");
     EXPECT_EQ(Receive(kRedirect),

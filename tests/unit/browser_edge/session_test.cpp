@@ -150,19 +150,38 @@ TEST_F(Session, WithoutACookieManagerIsTracedAsFailed) {
               (Lines{kPropertyRead, kCalled, "[0] Failed: GetCookies error code: -2147467261"}));
 }
 
-TEST_F(Session, ReportedTwiceBeforeItsCookiesArriveIsCopiedTwiceAndToldOnce) {
-    BringUp();
+TEST_F(Session, ReportedAgainUntilTheOwnerIsToldAsksForItsCookiesOnce) {
+    AwaitCookies();
     CallPageObject();
-    CallPageObject();
+    EXPECT_EQ(TakeTranscript(), (Lines{kPropertyRead, kCalled}));
+    runtime.CompleteCookies({kSid});
     TakeTranscript();
-    for (int copy = 0; copy < 2; ++copy) {
-        runtime.CompleteCookies({kSid});
-        const Lines lines = TakeTranscript();
-        EXPECT_EQ(std::count(lines.begin(), lines.end(), kWritesSid), 1);
-        EXPECT_EQ(std::count(lines.begin(), lines.end(), "ui_set_timer 1"), 1);
-    }
+    CallPageObject();
+    EXPECT_EQ(TakeTranscript(), (Lines{kPropertyRead, kCalled}));
     EXPECT_EQ(LinesOfTheTimer(), kReport);
+}
+
+TEST_F(Session, ReportedAgainAfterTheOwnerWasToldIsCopiedAgainAndToldToNobody) {
+    AwaitTimer();
+    FireTimer();
+    TakeTranscript();
+    CallPageObject();
+    EXPECT_EQ(TakeTranscript(), (Lines{kPropertyRead, kCalled, kAsksForCookies}));
+    runtime.CompleteCookies({kSid});
+    const Lines lines = TakeTranscript();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), kWritesSid), 1);
     EXPECT_EQ(LinesOfTheTimer(), Lines{});
+}
+
+TEST_F(Session, OfABrowserThatIsCreatedAgainDoesNotWaitForTheReportBefore) {
+    AwaitCookies();
+    Create();
+    runtime.CompleteEnvironment();
+    runtime.CompleteController();
+    runtime.CompleteScript();
+    TakeTranscript();
+    CallPageObject();
+    EXPECT_EQ(TakeTranscript(), (Lines{kPropertyRead, kCalled, kAsksForCookies}));
 }
 
 TEST_F(Session, OfACheckIsOfTheAddressOfTheCheck) {
@@ -216,15 +235,33 @@ TEST_F(Session, IsCopiedOrNotAsTheWordsSaidWhenTheBrowserWasMade) {
 TEST_F(Session, WhoseTimerCannotBeSetIsTracedAndNotReportedUntilThePageCallsAgain) {
     AwaitCookies();
     timerResult = 7;
+    timerIsSet = false;
     EXPECT_EQ(runtime.CompleteCookies(), S_OK);
-    EXPECT_TRUE(watchedBlockFreed) << "the timer's data is left";
     EXPECT_EQ(TakeTranscript(), (Lines{"list.get_Count", kNoCookies, "ui_set_timer 1",
                                        "[0] Failed: ui_set_timer error code: 7", "list gone"}));
     timerResult = 0;
+    timerIsSet = true;
     CallPageObject();
     runtime.CompleteCookies();
     TakeTranscript();
     EXPECT_EQ(LinesOfTheTimer(), kReport);
+}
+
+TEST_F(Session, WhoseTimerIsAnsweredWithANumberIsReportedAllTheSame) {
+    AwaitCookies();
+    timerResult = 7;
+    runtime.CompleteCookies();
+    TakeTranscript();
+    EXPECT_EQ(LinesOfTheTimer(), kReport);
+}
+
+TEST_F(Session, WhoseBrowserIsDeletedInTheTraceOfTheReportIsToldToNobody) {
+    AwaitTimer();
+    InsideTraceLine("OnSessionAuthenticated();", [this] { browser.reset(); });
+    const Lines lines = LinesOfTheTimer();
+    EXPECT_EQ(browser, nullptr);
+    EXPECT_EQ(lines.front(), "[0] OnSessionAuthenticated();");
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "OnSessionAuthenticated"), 0);
 }
 
 TEST_F(Session, WhoseTimerFiresAfterTeardownIsToldToNobody) {
