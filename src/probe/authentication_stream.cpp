@@ -113,6 +113,7 @@ ULONG AuthenticationStream::Release() {
 
 HRESULT AuthenticationStream::OnStartBinding(DWORD /*reserved*/, IBinding* binding) {
     binding_ = binding;
+    stopped_ = false;
     return S_OK;
 }
 
@@ -158,6 +159,9 @@ HRESULT AuthenticationStream::OnObjectAvailable(REFIID /*iid*/, IUnknown* /*obje
 }
 
 HRESULT AuthenticationStream::OnStopBinding(HRESULT result, LPCWSTR /*error*/) {
+    if (std::exchange(stopped_, true)) {
+        return S_OK; // a binding ends once: what it held has been given back
+    }
     // Each step is taken whatever becomes of the one before.
     AtComBoundary([this, result] {
         if (FAILED(result)) {

@@ -86,6 +86,7 @@ class AuthenticationStream final : public IBindStatusCallback,
     std::wstring additionalHeaders_;
     std::int32_t httpStatus_ = -1;
     bool beingDestroyed_ = false;
+    bool stopped_ = false;
     std::uint32_t bytesReceived_ = 0;
     std::string address_;
     std::string serverUrl_;

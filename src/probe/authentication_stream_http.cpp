@@ -3,6 +3,7 @@
 
 #include "du/string_utilities.h"
 #include "probe/credentials.h"
+#include "probe/header_trace.h"
 #include "support/com_boundary.h"
 #include "support/com_text.h"
 #include "support/trace.h"
@@ -30,13 +31,17 @@ HRESULT AuthenticationStream::BeginningTransaction(LPCWSTR /*url*/, LPCWSTR /*he
     return *additionalHeaders != nullptr ? S_OK : E_OUTOFMEMORY;
 }
 
-HRESULT AuthenticationStream::OnResponse(DWORD responseCode, LPCWSTR /*responseHeaders*/,
+HRESULT AuthenticationStream::OnResponse(DWORD responseCode, LPCWSTR responseHeaders,
                                          LPCWSTR /*requestHeaders*/, LPWSTR* /*additionalRequestHeaders*/) {
     httpStatus_ = static_cast<std::int32_t>(responseCode);
     if (responseCode != kHttpOk) {
         // A challenge that is still to be answered does not come here, so a 401 is the server's last word.
         status_ = responseCode == kHttpUnauthorized ? AuthenticationStatus::Unauthorized
                                                     : AuthenticationStatus::Failed;
+        AtComBoundary([&] {
+            TraceRefusedResponse(responseCode, responseHeaders);
+            return S_OK;
+        });
         return E_ABORT;
     }
     if (status_ == AuthenticationStatus::FormBasedRequired) {

@@ -72,10 +72,10 @@ DWORD ShowPrompt(CREDUI_INFOW& info, const std::wstring& target, BOOL& save, Pac
     const void* storedBlob = nullptr;
     ULONG storedSize = 0;
     if (stored) {
-        storedBlob = stored->CredentialBlob;
-        storedSize = stored->CredentialBlobSize;
-        // An entry without a blob may read back with a pointer to nothing: the size decides as well.
-        save = storedBlob != nullptr && storedSize != 0 ? TRUE : FALSE;
+        // An entry without a blob may read back with a pointer to nothing: the size decides.
+        storedSize = stored->CredentialBlob != nullptr ? stored->CredentialBlobSize : 0;
+        storedBlob = storedSize != 0 ? stored->CredentialBlob : nullptr;
+        save = storedBlob != nullptr ? TRUE : FALSE;
     }
     ULONG authPackage = 0;
     return CredUIPromptForWindowsCredentialsW(&info, 0, &authPackage, storedBlob, storedSize, &packed.data,

@@ -12,6 +12,7 @@
 #include "tests/support/fake_binding.h"
 #include "tests/support/fake_stream.h"
 #include "tests/support/replaced_import.h"
+#include "tests/support/scoped_variable.h"
 
 using Microsoft::WRL::ComPtr;
 using test_support::FakeBinding;
@@ -19,6 +20,7 @@ using test_support::FakeStream;
 using test_support::Lines;
 using test_support::MakeFake;
 using test_support::ReplacedImport;
+using test_support::ScopedVariable;
 
 namespace kelda {
 namespace {
@@ -191,6 +193,20 @@ TEST_F(StreamHttp, ALaterAnswerChangesNoOtherStatus) {
 TEST_F(StreamHttp, AFinal401IsUnauthorized) {
     EXPECT_EQ(stream->OnResponse(401, L"", nullptr, nullptr), E_ABORT);
     EXPECT_EQ(stream->Status(), AuthenticationStatus::Unauthorized);
+}
+
+TEST_F(StreamHttp, ARefusedAnswerIsTracedWithTheWordOnly) {
+    constexpr const wchar_t* kHeaders = L"HTTP/1.1 503 Out\r\nRetry-After: 7\r\n\r\n";
+    stream->OnResponse(503, kHeaders, nullptr, nullptr);
+    EXPECT_EQ(TakeTranscript(), Lines{});
+    const ScopedVariable words(L"MERIDO_ZANWEBBROWSER_IMPLEMENTATION", L"trace");
+    stream->OnResponse(503, kHeaders, nullptr, nullptr);
+    EXPECT_EQ(TakeTranscript(), (Lines{"[0] Server answered with HTTP status 503", "[0] Response headers:",
+                                       "[0] HTTP/1.1 503 Out", "[0] Retry-After: 7"}));
+    stream->OnResponse(401, nullptr, nullptr, nullptr);
+    EXPECT_EQ(TakeTranscript(), Lines{"[0] Server answered with HTTP status 401"});
+    stream->OnResponse(200, kHeaders, nullptr, nullptr);
+    EXPECT_EQ(TakeTranscript(), Lines{});
 }
 
 TEST_F(StreamHttp, WithoutMemoryForTheHeadersTheTransactionEnds) {

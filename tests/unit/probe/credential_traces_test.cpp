@@ -1,10 +1,12 @@
 // No copy of what the user typed stays in the process's memory once a probe is over. The system's side is played here, so
 // that every copy that could be found is one of the library's own making.
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <cwchar>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include <gtest/gtest.h>
 #include <wrl/client.h>
@@ -16,19 +18,25 @@
 #include "probe/authentication_stream.h"
 #include "probe/server_basic_authentication.h"
 #include "support/wipe.h"
+#include "tests/support/fake_binding.h"
 #include "tests/support/freed_blocks.h"
 #include "tests/support/memory_search.h"
 #include "tests/support/played_probe.h"
 #include "tests/support/replaced_import.h"
+#include "tests/support/scoped_variable.h"
 #include "tests/support/transcript.h"
 
 using Microsoft::WRL::ComPtr;
 using test_support::CountInBlock;
 using test_support::CountInMemory;
+using test_support::FakeBinding;
 using test_support::FreedBlocksWatch;
 using test_support::HiddenText;
+using test_support::Lines;
+using test_support::MakeFake;
 using test_support::PlayedProbe;
 using test_support::ReplacedImport;
+using test_support::ScopedVariable;
 
 namespace kelda {
 namespace {
@@ -138,6 +146,47 @@ class ProbeWithSecrets : public test_support::TranscriptTest,
 
 TEST_P(ProbeWithSecrets, LeavesNoCopyOfThemInMemory) {
     EXPECT_EQ(Probe(), AuthenticationStatus::Authenticated);
+    EXPECT_EQ(freedCopies, 0U);
+    ExpectNoCopies();
+}
+
+TEST_P(ProbeWithSecrets, LeavesNoCopyOfThemWithTheWordTrace) {
+    const ScopedVariable words(L"MERIDO_ZANWEBBROWSER_IMPLEMENTATION", L"trace");
+    EXPECT_EQ(Probe(), AuthenticationStatus::Authenticated);
+    EXPECT_EQ(freedCopies, 0U);
+    ExpectNoCopies();
+}
+
+/// The password stands for the encoded credentials that the request has.
+TEST_P(ProbeWithSecrets, TheTraceOfTheRequestLeavesNoCopyOfItsAuthorization) {
+    constexpr std::string_view kBefore = "GET / HTTP/1.1\r\nHost: server\r\nAuthorization: Basic ";
+    const ScopedVariable words(L"MERIDO_ZANWEBBROWSER_IMPLEMENTATION", L"trace");
+    const auto binding = MakeFake<FakeBinding>();
+    binding->hasHttpInfo = true;
+    binding->queryInfo = [&](DWORD, void* buffer, DWORD* size) {
+        const std::size_t length = kBefore.size() + password.Length();
+        if (buffer == nullptr) {
+            *size = static_cast<DWORD>(length);
+        } else if (*size == length) {
+            char* const text = static_cast<char*>(buffer);
+            std::copy(kBefore.begin(), kBefore.end(), text);
+            for (std::size_t index = 0; index < password.Length(); ++index) {
+                text[kBefore.size() + index] = password.At(index);
+            }
+        }
+        return S_OK;
+    };
+    {
+        const FreedBlocksWatch watch(
+            [this](const void* block, std::size_t size) { freedCopies += CountIn(block, size); });
+        ServerBasicAuthentication callback(L"Log in", L"Caption", "http://server/", "", "viewer");
+        AuthenticationStream stream(callback, L"", L"", "http://server/");
+        stream.AddRef();
+        stream.OnStartBinding(0, binding.Get());
+        stream.OnStopBinding(S_OK, L"");
+    }
+    const Lines lines = TakeTranscript();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "[0] Authorization: (not traced)"), 2);
     EXPECT_EQ(freedCopies, 0U);
     ExpectNoCopies();
 }

@@ -37,9 +37,10 @@ class StoppedBinding : public AuthenticationStreamTest {
         stream->OnStartBinding(0xFF, binding.Get());
     }
 
-    /// Ends the bind, with a reference taken before as opening does.
+    /// Starts the bind, with a reference taken before as opening does, and ends it.
     Lines Stop(HRESULT result) {
         stream->AddRef();
+        stream->OnStartBinding(0xFF, binding.Get());
         EXPECT_EQ(stream->OnStopBinding(result, L""), S_OK);
         EXPECT_EQ(stream->AddRef(), 2U) << "one reference is given back";
         stream->Release();
@@ -207,6 +208,15 @@ TEST_F(StoppedBinding, NoExceptionCrossesIntoTheStackAndAllIsReleased) {
     EXPECT_EQ(other.OnStopBinding(S_OK, L""), S_OK);
     EXPECT_EQ(binding->Count(), 1U);
     EXPECT_EQ(other.AddRef(), 2U);
+}
+
+TEST_F(StoppedBinding, ThatStopsTwiceIsReportedAndReleasedOnce) {
+    StartBinding();
+    Stop(E_FAIL);
+    EXPECT_EQ(stream->OnStopBinding(E_FAIL, L""), S_OK);
+    EXPECT_EQ(TakeTranscript(), Lines{});
+    EXPECT_EQ(stream->AddRef(), 2U);
+    stream->Release();
 }
 
 TEST_F(FinishedBinding, ABindingWithoutHttpSideIsReportedAsItIs) {

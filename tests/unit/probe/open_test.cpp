@@ -212,6 +212,7 @@ TEST_F(OpenedStream, ABindContextThatOutlivesTheBindNoLongerLeadsToIt) {
     for (const HRESULT result : {S_OK, E_FAIL}) {
         play = [this, result](IBindCtx*, IStream**) {
             EXPECT_TRUE(ContextLeadsToCallback());
+            stream->OnStartBinding(0, nullptr);
             stream->OnStopBinding(result, L"");
             return result;
         };
