@@ -35,7 +35,8 @@ void HandOver(MSG& message) {
 }
 
 LRESULT CALLBACK OnMessageTaken(int code, WPARAM removal, LPARAM message) noexcept {
-    if (code >= 0 && removal == PM_REMOVE && served != nullptr &&
+    // The system may pass other flags of PeekMessage along.
+    if (code >= 0 && (removal & PM_REMOVE) != 0 && served != nullptr &&
         IsServedKey(*reinterpret_cast<const MSG*>(message))) {
         HandOver(*reinterpret_cast<MSG*>(message));
     }

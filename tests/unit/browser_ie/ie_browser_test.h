@@ -130,6 +130,8 @@ class IEBrowserTest : public test_support::TranscriptTest {
             return setResult;
         }};
 
+    HOOKPROC hookProcedure = nullptr;
+    HHOOK hookHandle = nullptr;
     using InstallHook = test_support::ReplacedImport<struct InstallHookTag, decltype(SetWindowsHookExA)>;
     InstallHook setHook{"user32.dll", "SetWindowsHookExA",
                         [this](int kind, HOOKPROC procedure, HINSTANCE module, DWORD thread) -> HHOOK {
@@ -138,16 +140,19 @@ class IEBrowserTest : public test_support::TranscriptTest {
                                 (procedure != nullptr ? "" : " without a procedure") +
                                 (module == nullptr ? "" : " in a module") +
                                 (thread == GetCurrentThreadId() ? " for this thread" : " for others"));
+                            hookProcedure = procedure;
                             if (hookFails) {
                                 SetLastError(ERROR_ACCESS_DENIED);
                                 return nullptr;
                             }
-                            return realHooks ? InstallHook::Original(kind, procedure, module, thread)
-                                             : reinterpret_cast<HHOOK>(0x4715);
+                            hookHandle = realHooks ? InstallHook::Original(kind, procedure, module, thread)
+                                                   : reinterpret_cast<HHOOK>(0x4715);
+                            return hookHandle;
                         }};
     using RemoveHook = test_support::ReplacedImport<struct RemoveHookTag, decltype(UnhookWindowsHookEx)>;
     RemoveHook removeHook{"user32.dll", "UnhookWindowsHookEx", [this](HHOOK hook) {
                               test_support::Record("UnhookWindowsHookEx");
+                              EXPECT_EQ(hook, hookHandle);
                               return realHooks ? RemoveHook::Original(hook) : TRUE;
                           }};
 

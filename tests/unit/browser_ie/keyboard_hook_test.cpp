@@ -139,6 +139,41 @@ TEST_F(KeyboardHook, AMessageThatIsOnlyLookedAtIsNotHandedOver) {
     EXPECT_EQ(TakeTranscript(), Handed(WM_KEYDOWN, VK_TAB));
 }
 
+TEST_F(KeyboardHook, AMessageIsTakenWhateverElseTheSystemSaysOfIt) {
+    BringUpPage();
+    MSG message{window, WM_KEYDOWN, VK_DELETE, 0, 0, {}};
+    hookProcedure(HC_ACTION, PM_REMOVE | PM_NOYIELD, reinterpret_cast<LPARAM>(&message));
+    EXPECT_EQ(TakeTranscript(), Handed(WM_KEYDOWN, VK_DELETE));
+    hookProcedure(HC_ACTION, PM_NOREMOVE | PM_NOYIELD, reinterpret_cast<LPARAM>(&message));
+    EXPECT_EQ(TakeTranscript(), Lines{});
+}
+
+TEST_F(KeyboardHook, AMessageWithANegativeCodeIsOnlyPassedOn) {
+    BringUpPage();
+    MSG message{window, WM_KEYDOWN, VK_TAB, 0, 0, {}};
+    hookProcedure(-1, PM_REMOVE, reinterpret_cast<LPARAM>(&message));
+    EXPECT_EQ(TakeTranscript(), Lines{});
+    EXPECT_EQ(message.wParam, WPARAM{VK_TAB});
+}
+
+TEST_F(KeyboardHook, EveryMessageIsPassedOnAndTheAnswerIsTheNextHooks) {
+    BringUpPage();
+    MSG message{window, WM_TIMER, VK_TAB, 0, 0, {}};
+    const LPARAM address = reinterpret_cast<LPARAM>(&message);
+    int calls = 0;
+    const test_support::ReplacedImport<struct Next, decltype(CallNextHookEx)> next(
+        "user32.dll", "CallNextHookEx", [&](HHOOK hook, int code, WPARAM removal, LPARAM data) -> LRESULT {
+            EXPECT_EQ(hook, hookHandle);
+            EXPECT_EQ(data, address);
+            ++calls;
+            return code * 100 + static_cast<LRESULT>(removal);
+        });
+    EXPECT_EQ(hookProcedure(-1, PM_REMOVE, address), -99);
+    EXPECT_EQ(hookProcedure(HC_ACTION, PM_NOREMOVE, address), 0);
+    EXPECT_EQ(hookProcedure(HC_ACTION, PM_REMOVE, address), 1);
+    EXPECT_EQ(calls, 3);
+}
+
 TEST_F(KeyboardHook, OtherMessagesWithTheNumberOfAKeyArriveUntouched) {
     BringUpPage();
     for (const UINT kind : std::initializer_list<UINT>{WM_TIMER, WM_COMMAND, WM_USER, WM_MOUSEMOVE}) {
