@@ -32,7 +32,7 @@ begin
 install_packages cmake ninja-build g++ g++-mingw-w64-x86-64-posix nlohmann-json3-dev googletest python3 \
     clang-format clang-tidy cppcheck shellcheck pyflakes3
 stage "Steps"
-[ -e build/lint/build.ninja ] || logged lint-configure cmake --preset lint
+logged lint-configure cmake --preset lint
 logged lint-steps cmake --build --preset lint --target lint-steps
 stage_done
 

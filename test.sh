@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs all tests. The last line reads "N passed, N failed".
 #
-#   ./test.sh [TEST...]    builds and runs only these, for example: ./test.sh cookies_test
+#   ./test.sh [TEST...]    runs only these, for example: ./test.sh cookies_test
+#
+# Of test programs only the named ones are built; for any other test everything is.
 set -u
 cd "$(dirname "$0")" || exit 1
 # shellcheck source=tools/common.sh
@@ -11,10 +13,15 @@ cd "$(dirname "$0")" || exit 1
 targets_of() {
     local name
     for name in "$@"; do
-        [[ $name = *_test ]] || set --
+        if [[ $name != *_test ]]; then
+            echo all
+            return
+        fi
     done
     echo "${@:-all}"
 }
+
+[[ "$*" != -* ]] || fail "there are no options; the names of the tests are the arguments"
 
 begin
 install_packages "${COMMON_PACKAGES[@]}" chromium libnss3-tools g++
@@ -24,7 +31,7 @@ build_targets $(targets_of "$@")
 start_desktop 1
 start_desktop 2
 
-# Read by tools/testing: each test has a desktop and a folder for temporary files to itself.
+# Read by tools/testing.
 export KELDA_DESKTOPS=$DESKTOPS KELDA_TEST_RESULTS=$PWD/build/test-results
 make_test_folder
 printf 'Tests ...\n'

@@ -3,7 +3,8 @@
 option(KELDA_FAST_BUILD "Precompile the platform's headers, and compile testbed and tests in unity batches" OFF)
 
 # Once they are precompiled, GCC no longer spares the system's headers its warnings about possible flows, which are often
-# wrong: they are printed, but are no errors. Builds without precompiled headers keep them as errors.
+# wrong: they are printed, but are no errors. `./lint.sh --alone` compiles what is shipped without precompiled headers, and there
+# they are.
 function(kelda_tolerate_flow_warnings target)
     if(NOT MSVC)
         target_compile_options(${target} PRIVATE
@@ -33,7 +34,7 @@ endfunction()
 macro(kelda_unshipped_folder)
     set(CMAKE_UNITY_BUILD ${KELDA_FAST_BUILD})
     set(CMAKE_UNITY_BUILD_BATCH_SIZE 5)
-    if(NOT MSVC)
+    if(KELDA_FAST_BUILD AND NOT MSVC)
         # Not -O0: that leaves so many small functions that linking one test program takes ten seconds.
         add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-O1>)
     endif()

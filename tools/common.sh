@@ -1,5 +1,5 @@
 # shellcheck shell=bash disable=SC2034  # sourced: what is defined here is used there
-# Shared by demo.sh and test.sh: packages, build, Wine prefix, display, and the clean-up of all that was started.
+# Shared by demo.sh, test.sh and lint.sh: packages, build, Wine prefix, display, and the clean-up of all that was started.
 # Sourced by bash scripts that run in the repository's top folder.
 
 readonly BUILD_DIR=$PWD/build/mingw-release
@@ -37,11 +37,16 @@ stage_done() {
     printf ' %s (%d s)\n' "${1:-done}" "$(($(date +%s) - stage_started))"
 }
 
-# show_progress LOG: on a terminal, the last "[steps done/all of them]" of a log and the time behind the stage's text.
+# show_progress LOG: on a terminal, the last "[steps done/all of them]" of a log, the failures in it and the time behind the
+# stage's text, over and over.
 show_progress() {
-    local steps
-    steps=$(grep -o '^\[[0-9]*/[0-9]*\]' "$1" | tail -n 1)
-    printf '\r\033[K%-52s %s %d s' "$stage_text ..." "$steps" "$(($(date +%s) - stage_started))"
+    local steps failures
+    while sleep 0.5; do
+        steps=$(grep -o '^\[[0-9]*/[0-9]*\]' "$1" | tail -n 1)
+        failures=$(grep -c '^FAILED: ' "$1")
+        [ "$failures" -eq 0 ] || steps+=" $failures failed,"
+        printf '\r\033[K%-52s %s %d s' "$stage_text ..." "$steps" "$(($(date +%s) - stage_started))"
+    done
 }
 
 # fail TEXT: the one sentence that a failing script ends with.
@@ -57,12 +62,16 @@ run_logged() {
     shift
     "$@" >"$log" 2>&1 </dev/null 9>&- &
     current=$!
-    while [ -t 1 ] && kill -0 "$current" 2>/dev/null; do
-        show_progress "$log"
-        sleep 0.5
-    done
+    if [ -t 1 ]; then
+        show_progress "$log" 9>&- &
+        progress=$!
+    fi
     wait "$current"
     status=$?
+    if [ -n "$progress" ]; then
+        end_jobs "$progress"
+        progress=
+    fi
     current=
     return "$status"
 }
@@ -78,7 +87,7 @@ run_in_terminal() {
     return "$status"
 }
 
-# logged NAME COMMAND...: the same, for commands without which there is no going on.
+# logged NAME COMMAND...: run_logged for commands without which there is no going on.
 logged() {
     run_logged "$@" || fail "\"$2\" failed; its output is in build/logs/$1.log"
 }
@@ -109,6 +118,8 @@ install_missing() {
     local as_root=()
     if [ "$(id -u)" -ne 0 ]; then
         command -v sudo >/dev/null || fail "installing $* needs root or sudo"
+        # Asked for here, as the commands below run in the background.
+        sudo --validate || fail "installing $* needs root or sudo"
         as_root=(sudo)
     fi
     as_root+=(env DEBIAN_FRONTEND=noninteractive)
@@ -144,7 +155,7 @@ start_desktop() {
 start_display() {
     local number=$LOG_DIR/display.number
     : >"$number"
-    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$number" >>"$LOG_DIR/xvfb.log" 2>&1 </dev/null 9>&- &
+    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$number" >"$LOG_DIR/xvfb.log" 2>&1 </dev/null 9>&- &
     background+=($!)
     wait_until 20 test -s "$number" || fail "the display did not start; see build/logs/xvfb.log"
     DISPLAY=:$(cat "$number")
@@ -173,7 +184,11 @@ copy_prefix_template() {
     rm -rf "$WINEPREFIX"
     mkdir -p "$WINEPREFIX/drive_c"
     logged wine-prefix-link cp -al "$PREFIX_TEMPLATE/drive_c/windows" "$WINEPREFIX/drive_c/"
-    tar -C "$PREFIX_TEMPLATE" --exclude ./drive_c/windows -cf - . | tar -C "$WINEPREFIX" -xf - || fail "no prefix could be made"
+    (
+        set -o pipefail
+        tar -C "$PREFIX_TEMPLATE" --exclude ./drive_c/windows --exclude ./kelda-ready -cf - . | tar -C "$WINEPREFIX" -xf -
+    ) || fail "no prefix could be made"
+    touch "$WINEPREFIX/kelda-ready"
 }
 
 # set_registry_value KEY NAME TYPE VALUE
@@ -194,7 +209,7 @@ start_wine() {
 # Wine's desktop ends a second after its last program, and starting it anew delays the next one. cmd waits for its input, and
 # counts as a program.
 hold_desktop() {
-    sleep infinity | tools/run-in-wine cmd >/dev/null 2>&1 9>&- &
+    sleep infinity 9>&- | tools/run-in-wine cmd >/dev/null 2>&1 9>&- &
     background+=($!)
     tools/run-in-wine explorer /desktop >"$LOG_DIR/wine-desktop.log" 2>&1 </dev/null 9>&- &
     background+=($!)
@@ -229,6 +244,7 @@ make_test_folder() {
 
 background=()
 current=
+progress=
 test_folder=
 
 # end_jobs PID...: ends background jobs with all that they have started; each is a process group of its own.
@@ -247,12 +263,14 @@ clean_up() {
     local status=$? prefix
     trap - EXIT
     trap '' INT TERM HUP
+    [ -z "$progress" ] || end_jobs "$progress"
     [ -z "$current" ] || end_jobs "$current"
     for prefix in "$DESKTOPS"/*/wine; do
         [ ! -d "$prefix" ] || WINEPREFIX=$prefix wineserver_of_prefix --kill 2>/dev/null
     done
     end_jobs "${background[@]}"
-    [ -z "$test_folder" ] || rm -rf "$test_folder"
+    # A Chromium that has just lost its host may still write there.
+    [ -z "$test_folder" ] || wait_until 10 rm -rf "$test_folder" || echo "$test_folder could not be removed" >&2
     exit "$status"
 }
 

@@ -83,7 +83,9 @@ def list_cases(program: str) -> list[str]:
                 cases.append(suite + name)
             elif name.endswith("."):
                 suite = name
-        return cases
+    if not cases:
+        raise SystemExit(f"{program} names no case")
+    return cases
 
 
 def follow(process: subprocess.Popen, output: IO[str], transcript: Transcript) -> str:
@@ -143,7 +145,9 @@ def main() -> int:
     with surroundings():
         if arguments.plan:
             plan = plan_file(arguments.test)
-            if not plan.exists() or plan.stat().st_mtime < Path(arguments.program).stat().st_mtime:
+            if plan.exists() and plan.stat().st_mtime < Path(arguments.program).stat().st_mtime:
+                plan.unlink()
+            if not plan.exists():
                 write_plan(arguments.test, list_cases(arguments.program))
             return 0
         recorder = Recorder(arguments.test)

@@ -57,7 +57,8 @@ class Run:
             ended = {outcome.case for outcome in self.outcomes[test]}
             missing = [case for case in self.plans[test] if case not in ended]
             new = [Outcome(case, False, 0, f"It did not run.\n{output}") for case in missing]
-            if not self.plans[test] or not passed and not new and all(each.passed for each in self.outcomes[test]):
+            without_cases = not self.plans[test] and not self.outcomes[test]
+            if without_cases or not passed and not new and all(each.passed for each in self.outcomes[test]):
                 new.append(Outcome(test, passed, 0, output))
             self.outcomes[test] += new
             added += new
@@ -96,7 +97,7 @@ class StatusLine:
 
 def find_tests(build: str, names: list[str]) -> list[dict]:
     """The tests with these names, or all, as CTest describes them."""
-    answer = subprocess.run(["ctest", "--test-dir", build, "--show-only=json-v1"], check=True, capture_output=True, text=True)
+    answer = subprocess.run(["ctest", "--test-dir", build, "--show-only=json-v1"], check=True, stdout=subprocess.PIPE, text=True)
     tests = json.loads(answer.stdout)["tests"]
     unknown = set(names) - {test["name"] for test in tests}
     if unknown:
@@ -105,14 +106,30 @@ def find_tests(build: str, names: list[str]) -> list[dict]:
     return [test for test in tests if not names or test["name"] in names]
 
 
-def make_plan(test: dict, log: Path) -> None:
-    """Has a test name its cases, if it is one that stands for several."""
+def make_plan(test: dict, log: Path) -> bool:
+    """Has a test name its cases, if it is one that stands for several. Returns whether that succeeded."""
     command = test["command"]
-    if any(part.endswith(("run_gtest.py", "run_unittest.py")) for part in command):
-        properties = {each["name"]: each["value"] for each in test["properties"]}
-        with open(log, "ab") as output:
-            subprocess.run([*command, "--plan"], cwd=properties.get("WORKING_DIRECTORY"), stdin=subprocess.DEVNULL,
-                           stdout=output, stderr=output, env=environment_of(properties), check=False)
+    if not any(part.endswith(("run_gtest.py", "run_unittest.py")) for part in command):
+        return True
+    properties = {each["name"]: each["value"] for each in test["properties"]}
+    with open(log, "ab") as output:
+        done = subprocess.run([*command, "--plan"], cwd=properties.get("WORKING_DIRECTORY"), stdin=subprocess.DEVNULL,
+                              stdout=output, stderr=output, env=environment_of(properties), check=False)
+    return done.returncode == 0
+
+
+def make_plans(tests: list[dict], log: Path, status_line: "StatusLine") -> list[Outcome]:
+    """Has all tests name their cases. Returns a failure for each that cannot: cases of it might be missed."""
+    for test in tests:
+        record_file(test["name"]).unlink(missing_ok=True)
+    failures = []
+    with concurrent.futures.ThreadPoolExecutor(PARALLEL) as executor:
+        plans = [executor.submit(make_plan, test, log) for test in tests]
+        for number, (test, plan) in enumerate(zip(tests, plans), 1):
+            status_line.show(f"Listing the cases of {number} of {len(tests)} tests")
+            if not plan.result():
+                failures.append(Outcome(f"{test['name']}.cases_are_listed", False, 0, f"See {log}."))
+    return failures
 
 
 def environment_of(properties: dict) -> dict[str, str]:
@@ -144,15 +161,13 @@ def main() -> int:
     parser.add_argument("log", type=Path)
     parser.add_argument("names", nargs="*")
     arguments = parser.parse_args()
+    started = time.monotonic()
     status_line = StatusLine()
     tests = find_tests(arguments.build, arguments.names)
     folder().mkdir(parents=True, exist_ok=True)
     arguments.log.write_bytes(b"")
-    status_line.show("Listing the cases ...")
-    with concurrent.futures.ThreadPoolExecutor(PARALLEL) as executor:
-        for test in tests:
-            record_file(test["name"]).unlink(missing_ok=True)
-            executor.submit(make_plan, test, arguments.log)
+    unlisted = make_plans(tests, arguments.log, status_line)
+    report(unlisted)
     junit = folder() / "ctest.xml"
     junit.unlink(missing_ok=True)
     run = Run([test["name"] for test in tests])
@@ -169,9 +184,11 @@ def main() -> int:
             status_line.show(run.progress())
     status_line.show("")
     report(run.finish(statuses(junit)))
+    print(f"Tests ended after {time.monotonic() - started:.0f} s.")
     for note in run.notes:
         print(f"NOTE: {note}")
     passed, failed = run.counts()
+    failed += len(unlisted)
     print(f"{passed} passed, {failed} failed")
     return 0 if passed and not failed else 1
 

@@ -87,7 +87,10 @@ def main() -> int:
     with surroundings():
         suite = unittest.defaultTestLoader.loadTestsFromName(arguments.module)
         if arguments.plan:
-            write_plan(arguments.module, (case.id() for case in cases_of(suite)))
+            cases = [case.id() for case in cases_of(suite)]
+            if not cases:
+                raise SystemExit(f"{arguments.module} has no case")
+            write_plan(arguments.module, cases)
             return 0
         recorder = Recorder(arguments.module)
         noise = Path(os.environ["TMPDIR"], "wine-noise.txt")

@@ -40,7 +40,7 @@ def name_sources(output: str, batch: str, sources: list[str], offsets: list[int]
 
 
 def write_dependencies(compiler: str, flags: list[str], batch: str, stamp: str) -> None:
-    subprocess.run([compiler, *flags, "-MM", "-MT", stamp, "-MF", stamp + ".d", batch], check=False)
+    subprocess.run([compiler, *flags, "-MM", "-MQ", stamp, "-MF", stamp + ".d", batch], check=True)
 
 
 def main() -> int:

@@ -23,7 +23,7 @@ class PageClient;
 struct BrowserOptions {
     /// What pages and servers are told; empty: Chromium's own, without the word that gives away that it has no window.
     std::string userAgent = {};
-    /// Whether the user data folder goes when Chromium has ended, however it ends.
+    /// Whether the user data folder goes when Chromium has ended, however it ends. Left alone where it is in use elsewhere.
     bool temporaryFolder = false;
 };
 

@@ -31,8 +31,8 @@ constexpr int kExitedNotFound = 127;
 constexpr int kExitedFolderInUse = 21;
 
 /// From now on Chromium reads and writes at the other end of `channel`, messages that end with a zero byte, and ends when that
-/// is closed. When Chromium has ended and its temporary folder has gone, and not before, `kExitedEvent` arrives at the other end of `status`, which is closed
-/// then. If `status` is shut down before, Chromium is killed two seconds later.
+/// is closed. When Chromium has ended and its temporary folder has gone, and not before, `kExitedEvent` arrives at the other end
+/// of `status`, which is closed then. If `status` is shut down before, Chromium is killed two seconds later.
 ///
 /// @return a Win32 error. Whether there is a Chromium to start shows only later, by `kExitedNotFound`.
 DWORD StartChromium(const Profile& profile, const Socket& channel, const Socket& status);

@@ -24,18 +24,17 @@ void EnginePage::Open() {
     }
     opening_ = true;
     folder_ = ProfileFolder::OfThisThread();
-    Browser::Open(
-        folder_->Path(), {.temporaryFolder = true},
-        [self = shared_from_this(), folder = folder_](const std::shared_ptr<Browser>& browser,
-                                                      DWORD /*error*/) { self->OnBrowser(browser, folder); });
+    Browser::Open(folder_->Path(), {.temporaryFolder = true},
+                  [self = shared_from_this()](const std::shared_ptr<Browser>& browser, DWORD /*error*/) {
+                      self->OnBrowser(browser);
+                  });
 }
 
-void EnginePage::OnBrowser(const std::shared_ptr<Browser>& browser,
-                           const std::shared_ptr<ProfileFolder>& folder) {
+void EnginePage::OnBrowser(const std::shared_ptr<Browser>& browser) {
     if (owner_ == nullptr) {
-        // Whoever calls this still has the browser, and so the folder has to be there for longer.
-        testbed::chromium::CallLater([folder] {});
-    } else if (browser == nullptr) {
+        return;
+    }
+    if (browser == nullptr) {
         Lose();
     } else {
         browser_ = browser;

@@ -71,8 +71,7 @@ class EnginePage final : public std::enable_shared_from_this<EnginePage>,
   private:
     void OnDocumentMessage(const nlohmann::json& message,
                            const std::function<void(const std::string& text)>& reply);
-    void OnBrowser(const std::shared_ptr<testbed::chromium::Browser>& browser,
-                   const std::shared_ptr<ProfileFolder>& folder);
+    void OnBrowser(const std::shared_ptr<testbed::chromium::Browser>& browser);
     void OnPageCreated(std::unique_ptr<testbed::chromium::Page> page);
     void Lose();
 
@@ -106,7 +105,6 @@ class EnginePage final : public std::enable_shared_from_this<EnginePage>,
     std::optional<std::string> wanted_; // until there is a page
     int started_ = 0;                   // navigations of the owner's that the page has not announced yet
     CookieMirror cookies_;
-    // Released from below: Chromium ends with the browser, and only then may its folder go.
     std::shared_ptr<ProfileFolder> folder_;
     std::shared_ptr<testbed::chromium::Browser>
         browser_; // while the page is made; afterwards the page keeps it

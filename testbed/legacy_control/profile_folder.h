@@ -6,7 +6,7 @@
 
 namespace legacy_control {
 
-/// The name of a folder. Chromium makes it, and its launcher removes it.
+/// The name of a folder. It is made when Chromium is started, and its launcher removes it.
 class ProfileFolder {
   public:
     ProfileFolder(const ProfileFolder&) = delete;

@@ -12,6 +12,7 @@ from tests.e2e.browser_case import PICTURES, BrowserCase, rgb
 from tests.e2e.browser_host import ANSWER_SECONDS, save_picture
 from tests.e2e.person import Person
 from tests.flow.viewer_case import BIN_DIR, PASSWORD, USER, WINE, windows_path
+from tests.support.wine_noise import without_noise
 
 PROMPT = "Log in to the document server"
 DOCUMENT = "plan.bin"
@@ -60,7 +61,7 @@ class Viewer:
     @property
     def last_line(self) -> str:
         """What the viewer says happened."""
-        return self._output.read_text("utf-8").splitlines()[-1]
+        return without_noise(self._output.read_text("utf-8")).splitlines()[-1]
 
     def trace(self) -> list[str]:
         """The trace so far. Of the library's lines: component, type and text; of others all."""

@@ -52,7 +52,8 @@ class RunnerCase(unittest.TestCase):
         folder = self.enterContext(tempfile.TemporaryDirectory())
         self.program = Path(folder, "program.py")
         self.program.write_text(PROGRAM, "utf-8")
-        self.enterContext(mock.patch.dict(os.environ, {"KELDA_TEST_RESULTS": folder}))
+        self.enterContext(mock.patch.dict(os.environ, {"KELDA_TEST_RESULTS": folder, "TMPDIR": folder}))
+        self.enterContext(mock.patch.object(tempfile, "tempdir", None))
         self.enterContext(mock.patch.object(run_gtest, "RUN_IN_WINE", sys.executable))
         self.enterContext(mock.patch.object(run_gtest, "CASE_SECONDS", 5))
 

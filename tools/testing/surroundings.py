@@ -61,10 +61,17 @@ def processes() -> str:
         with contextlib.suppress(OSError):
             if mine in (process / "environ").read_bytes():
                 state = (process / "stat").read_text("utf-8").rpartition(")")[2].split()[0]
-                place = (process / "wchan").read_text("utf-8")
                 command = (process / "cmdline").read_text("utf-8", "replace").replace("\0", " ")
-                lines.append(f"{process.name} {state} {place} {command[:LONGEST_COMMAND]}")
+                lines.append(f"{process.name} {state} {_place(process)} {command[:LONGEST_COMMAND]}")
     return "\n".join(lines)
+
+
+def _place(process: Path) -> str:
+    """Where it waits in the system; not every system tells."""
+    try:
+        return (process / "wchan").read_text("utf-8")
+    except OSError:
+        return "?"
 
 
 @contextlib.contextmanager
@@ -78,6 +85,8 @@ def desktop() -> Iterator[None]:
         yield
         return
     desktops = sorted(path.parent for path in Path(folder).glob("*/display"))
+    if not desktops:
+        raise SystemExit(f"{folder} has no desktop: see start_desktop in tools/common.sh")
     with contextlib.ExitStack() as locks:
         mine = _take_one(desktops, locks)
         os.environ["DISPLAY"] = (mine / "display").read_text("utf-8").strip()

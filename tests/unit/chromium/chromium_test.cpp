@@ -63,7 +63,7 @@ bool HasNone(const Browser& browser, const std::string& method, const char* list
     return reply.is_object() && reply.at(list).empty();
 }
 
-/// Expects no page and no private profile to be left, and deletes the cookies.
+/// Closes pages that are left, expects no private profile, and deletes the cookies.
 void CleanUp(const Browser& browser) {
     ASSERT_TRUE(browser.Alive()) << "a case that ends the browser needs one of its own";
     // Chromium may ignore that a page is to be closed while it exchanges the page's document. So it is asked again.

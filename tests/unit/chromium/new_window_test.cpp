@@ -51,6 +51,7 @@ TEST_F(NewWindows, OfFormsAreClosed) {
     ExpectClosed();
 }
 
+// With a browser of its own: nothing is said of how long the window stays, and the next case is to find none.
 TEST_F(NewWindows, ThatDoNotKnowTheirOpenerDoNotDisturbIt) {
     ASSERT_NO_FATAL_FAILURE(UseBrowserOfItsOwn());
     Evaluate(*page_, "document.getElementById('strange').click()");

@@ -83,8 +83,9 @@ TEST_F(Certificates, OfWhatThePageAsksForAreReportedAsWell) {
     site_.Add("/page", "<img src='" + server_.Url("/image") + "'>");
     page_->SetCertificateReports(true);
     EXPECT_TRUE(Visit(*page_, client_, site_.Url("/page")).success);
-    // Chromium sometimes asks once more for what was refused.
+    // Chromium asks once more for an image that was refused, in about one of twelve runs.
     ASSERT_FALSE(client_.problems.empty());
+    EXPECT_LE(client_.problems.size(), 2U);
     for (const CertificateProblem& problem : client_.problems) {
         EXPECT_EQ(problem.url, server_.Url("/image"));
     }
