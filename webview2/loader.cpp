@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <objbase.h>
+
 // In angle brackets, as beside this file there is one of that name even where the SDK's is meant.
 #include <WebView2.h>
 

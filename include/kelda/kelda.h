@@ -50,7 +50,8 @@ enum class AuthenticationStatus : std::int32_t {
 /// the credentials by itself: a second call for a server with Basic authentication opens a login dialog. Call it once.
 ///
 /// Threading: call it on the host's UI thread, with COM initialised there as a single-threaded apartment. It returns
-/// when all is decided. Prompts and the dialog pump window messages meanwhile; do not call it again from there.
+/// when all is decided. Prompts and the dialog pump window messages meanwhile. A call from there, or from another thread,
+/// answers false at once, with a line in the trace, and leaves the first one alone.
 /// Ownership: all arguments stay the caller's and are not kept. The browser of a dialog lives until the next dialog
 /// closes.
 /// Errors: failing system calls never throw. Exceptions of the standard library, `std::bad_alloc` above all, leave it.

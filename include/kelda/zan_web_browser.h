@@ -61,7 +61,8 @@ class KELDA_API ZanWebBrowser {
 
     /// Chooses the backend: the legacy browser where the variable MERIDO_ZANWEBBROWSER_IMPLEMENTATION contains "ie",
     /// else WebView2 where a runtime of version 115 or later is there, else the legacy browser. Looking for the runtime
-    /// empties the three standard WEBVIEW2_ variables of the process.
+    /// empties the three standard WEBVIEW2_ variables of the process. From the first call on this module stays loaded until
+    /// the process ends: `FreeLibrary` does not unload it any more.
     ///
     /// @param serverUrl  Address of the server, UTF-8. The path of the page is appended to it as it is.
     /// @param checkMode  0: the login page. Else: the file that only an authenticated session may fetch.

@@ -3,6 +3,7 @@
 #include "browser_edge/impl.h"
 #include "support/com_call.h"
 #include "support/failed_call.h"
+#include "support/trace.h"
 
 using Microsoft::WRL::ComPtr;
 
@@ -21,10 +22,13 @@ void RefuseExternalDrop(const ComPtr<ICoreWebView2Controller>& controller) {
 } // namespace
 
 HRESULT ZanWebBrowserEdge::Impl::OnControllerCreated(HRESULT result, ICoreWebView2Controller* controller) {
-    if (result != S_OK) {
+    const CallbackTarget<Impl> target = target_;
+    if (result != S_OK || controller == nullptr) {
+        kWebBrowserEdgeTrace.Info() << "Failed to create WebView2 controller " << result;
+    }
+    if (result != S_OK || *target == nullptr) {
         return result;
     }
-    const CallbackTarget<Impl> target = target_;
     if (controller != nullptr) {
         TakeController(controller);
     }

@@ -3,6 +3,10 @@
 #include <memory>
 #include <string>
 
+#include <windows.h>
+
+#include <objbase.h>
+
 #include "WebView2EnvironmentOptions.h"
 
 #include "browser_edge/browser_folder.h"

@@ -5,6 +5,8 @@
 
 #include <windows.h>
 
+#include <objbase.h>
+
 #include "WebView2.h"
 
 #include "browser_edge/browser_folder.h"

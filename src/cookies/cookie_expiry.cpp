@@ -37,7 +37,7 @@ double Sum(std::int64_t now, std::int64_t number) {
 
 /// 1 to 12; 0, which is no month, for another word.
 int MonthNumber(const std::wstring& word) {
-    const auto* const month = std::ranges::find(kLowerCaseMonths, ToLower(word));
+    const auto month = std::ranges::find(kLowerCaseMonths, ToLower(word));
     return month == std::end(kLowerCaseMonths) ? 0
                                                : static_cast<int>(month - std::begin(kLowerCaseMonths)) + 1;
 }

@@ -1,8 +1,6 @@
 // The two time scales of cookies.
 #include "cookies/cookie_time.h"
 
-#include <limits>
-
 namespace kelda {
 namespace {
 
@@ -10,8 +8,9 @@ constexpr std::int64_t kIntervalsPerSecond = 10'000'000;
 constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
 constexpr std::uint64_t kIntervalsFrom1601To1970 = 116'444'736'000'000'000;
 
-/// In seconds since 1601, so that the multiplication below fits.
-constexpr std::int64_t kLastSecond = std::numeric_limits<std::int64_t>::max() / kIntervalsPerSecond;
+// The dates that the system documents, in seconds since 1601. Not second 0: a store may take a time of zero for none.
+constexpr std::int64_t kFirstSecond = 1;
+constexpr std::int64_t kLastSecond = 922'314'988'799; // 30827-12-31 23:59:59
 
 std::int64_t ToWholeSeconds(std::uint64_t intervals) {
     return static_cast<std::int64_t>(intervals / kIntervalsPerSecond);
@@ -19,8 +18,8 @@ std::int64_t ToWholeSeconds(std::uint64_t intervals) {
 
 /// Seconds since 1601. The comparisons are made in double: only what passes them fits the integer.
 std::int64_t ClampedSeconds(double expires) {
-    if (!(expires > static_cast<double>(-kSecondsFrom1601To1970))) { // NaN included
-        return 0;
+    if (!(expires > static_cast<double>(kFirstSecond - kSecondsFrom1601To1970))) { // NaN included
+        return kFirstSecond;
     }
     if (expires >= static_cast<double>(kLastSecond - kSecondsFrom1601To1970)) {
         return kLastSecond;

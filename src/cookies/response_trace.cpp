@@ -11,8 +11,10 @@
 #include "cookies/set_cookie_parser.h"
 #include "cookies/text_or_empty.h"
 #include "cookies/win_inet_cookies.h"
+#include "support/com_boundary.h"
 #include "support/com_call.h"
 #include "support/com_text.h"
+#include "support/failed_call.h"
 
 using Microsoft::WRL::ComPtr;
 
@@ -73,13 +75,19 @@ bool IsSetCookie(std::wstring_view name) {
     return std::ranges::equal(name, std::wstring_view(L"set-cookie"), {}, lower);
 }
 
+/// What goes wrong with one cookie, such as a date whose numbers are none, ends here: the next one may be the session's.
 void CaptureSetCookie(const std::wstring& uri, const std::wstring& value, bool trace) {
-    CookieRecord cookie;
-    ParseSetCookie(cookie, value); // without a "=" it has no name: the writer refuses it
-    if (trace) {
-        TraceCookieReceived(cookie);
-    }
-    SetWinInetCookie(cookie, uri);
+    AtComBoundary(
+        [&] {
+            CookieRecord cookie;
+            ParseSetCookie(cookie, value); // without a "=" it has no name: the writer refuses it
+            if (trace) {
+                TraceCookieReceived(cookie);
+            }
+            SetWinInetCookie(cookie, uri);
+            return S_OK;
+        },
+        TraceException);
 }
 
 } // namespace

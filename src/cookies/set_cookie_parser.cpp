@@ -73,7 +73,7 @@ const AttributeReader::Attribute AttributeReader::kAttributes[] = {
 };
 
 void AttributeReader::Read(const std::wstring& lowerName, std::wstring_view value) {
-    const auto* const known = std::ranges::find(kAttributes, lowerName, &Attribute::name);
+    const auto known = std::ranges::find(kAttributes, lowerName, &Attribute::name);
     if (known != std::end(kAttributes)) {
         (this->*known->read)(value);
     }

@@ -2,6 +2,8 @@
 #include <memory>
 #include <stdexcept>
 
+#include <windows.h>
+
 #include "browser_edge/runtime_check.h"
 #include "kelda/kelda.h"
 #include "support/implementation_words.h"
@@ -27,11 +29,20 @@ bool UseWebView2() {
     }
 }
 
+/// Keeps this module loaded from now on: a message hook, the runtime's late completions and a timer may point into it when the
+/// host thinks that it is done.
+void KeepModuleLoaded() {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<LPCWSTR>(&KeepModuleLoaded), &module);
+}
+
 } // namespace
 
 ZanWebBrowser::~ZanWebBrowser() = default;
 
 std::shared_ptr<ZanWebBrowser> ZanWebBrowser::Factory(const du::Symbol& serverUrl, int checkMode) {
+    KeepModuleLoaded();
     if (ImplementationWordGiven("ie") || !UseWebView2()) {
         return std::make_shared<ZanWebBrowserIE>(serverUrl, checkMode);
     }

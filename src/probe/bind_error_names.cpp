@@ -51,9 +51,9 @@ constexpr std::array<BindErrorName, 31> kBindErrorNames{{
 } // namespace
 
 const char* FindBindErrorName(HRESULT code) noexcept {
-    const auto* const row =
-        std::find_if(kBindErrorNames.begin(), kBindErrorNames.end(),
-                     [code](const auto& entry) { return entry.code == static_cast<DWORD>(code); });
+    const auto row = std::find_if(kBindErrorNames.begin(), kBindErrorNames.end(), [code](const auto& entry) {
+        return entry.code == static_cast<DWORD>(code);
+    });
     return row == kBindErrorNames.end() ? nullptr : row->name;
 }
 

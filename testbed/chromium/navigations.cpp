@@ -43,8 +43,8 @@ NavigationError ErrorFromText(std::string_view text) {
     for (const std::string_view prefix : {"net::", "ERR_"}) {
         text.remove_prefix(text.starts_with(prefix) ? prefix.size() : 0);
     }
-    const auto* const found = std::find_if(kErrorNames.begin(), kErrorNames.end(),
-                                           [&](const ErrorName& name) { return name.text == text; });
+    const auto found = std::find_if(kErrorNames.begin(), kErrorNames.end(),
+                                    [&](const ErrorName& name) { return name.text == text; });
     if (found != kErrorNames.end()) {
         return found->error;
     }

@@ -25,8 +25,8 @@ constexpr std::array kKindNames = {
 };
 
 ResourceKind KindFrom(std::string_view name) {
-    const auto* const found = std::find_if(kKindNames.begin(), kKindNames.end(),
-                                           [&](const KindName& entry) { return entry.name == name; });
+    const auto found = std::find_if(kKindNames.begin(), kKindNames.end(),
+                                    [&](const KindName& entry) { return entry.name == name; });
     return found == kKindNames.end() ? ResourceKind::Other : found->kind;
 }
 

@@ -66,7 +66,7 @@ CertificateProblem ProblemFrom(const Json& params) {
 AuthenticationChallenge ChallengeFrom(const Json& params) {
     const Json& challenge = params.at("authChallenge");
     const auto scheme = challenge.at("scheme").get<std::string>();
-    const auto* const known = std::ranges::find(kSchemeNames, scheme, &SchemeName::chromiums);
+    const auto known = std::ranges::find(kSchemeNames, scheme, &SchemeName::chromiums);
     const bool hasRealm = known == kSchemeNames.end() || known->hasRealm;
     std::string text = known == kSchemeNames.end() ? scheme : std::string(known->servers);
     if (hasRealm) {

@@ -77,8 +77,8 @@ constexpr std::array kNamedKeys = {
 
 /// As scripts see it; of printable keys what stands on them.
 std::string KeyName(WPARAM key) {
-    const auto* const named = std::find_if(kNamedKeys.begin(), kNamedKeys.end(),
-                                           [&](const NamedKey& entry) { return entry.key == key; });
+    const auto named = std::find_if(kNamedKeys.begin(), kNamedKeys.end(),
+                                    [&](const NamedKey& entry) { return entry.key == key; });
     if (named != kNamedKeys.end()) {
         return std::string(named->name);
     }
@@ -95,9 +95,8 @@ std::string KeyName(WPARAM key) {
 } // namespace
 
 std::optional<Json> MouseInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    const auto* const found =
-        std::find_if(kMouseMessages.begin(), kMouseMessages.end(),
-                     [&](const MouseMessage& entry) { return entry.message == message; });
+    const auto found = std::find_if(kMouseMessages.begin(), kMouseMessages.end(),
+                                    [&](const MouseMessage& entry) { return entry.message == message; });
     if (found == kMouseMessages.end()) {
         return std::nullopt;
     }

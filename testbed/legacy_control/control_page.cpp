@@ -36,7 +36,7 @@ constexpr std::array kFailureCodes = {
 };
 
 LONG CodeOf(NavigationError error) {
-    const auto* const found = std::ranges::find(kFailureCodes, error, &FailureCode::error);
+    const auto found = std::ranges::find(kFailureCodes, error, &FailureCode::error);
     return found == kFailureCodes.end() ? INET_E_DOWNLOAD_FAILURE : found->code;
 }
 

@@ -34,7 +34,7 @@ class ErrorEvent final : public SimpleObject<EventStubs, IDispatch, IHTMLEventOb
         if (names == nullptr || members == nullptr || length != 1) {
             return E_INVALIDARG;
         }
-        const auto* const found = std::ranges::find(kMembers, std::wstring_view(names[0]));
+        const auto found = std::ranges::find(kMembers, std::wstring_view(names[0]));
         *members = found == kMembers.end() ? DISPID_UNKNOWN
                                            : kFirstMember + static_cast<DISPID>(found - kMembers.begin());
         return found == kMembers.end() ? DISP_E_UNKNOWNNAME : S_OK;

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <objbase.h>
+
 #include "WebView2.h"
 
 namespace webview2_runtime {

@@ -5,6 +5,8 @@
 
 #include <windows.h>
 
+#include <objbase.h>
+
 #include "WebView2.h"
 
 namespace webview2_runtime {

@@ -1,6 +1,10 @@
 // The engine's errors in the runtime's words.
 #pragma once
 
+#include <windows.h>
+
+#include <objbase.h>
+
 #include "WebView2.h"
 #include "testbed/chromium/page_client.h"
 

@@ -1,6 +1,10 @@
 // The completion of ExecuteScript, which the library does not use and its declarations therefore only name.
 #pragma once
 
+#include <windows.h>
+
+#include <objbase.h>
+
 #include "WebView2.h"
 
 #ifdef WEBVIEW2_ID // our own declarations, not the SDK's

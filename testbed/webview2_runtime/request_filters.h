@@ -5,6 +5,10 @@
 #include <string_view>
 #include <vector>
 
+#include <windows.h>
+
+#include <objbase.h>
+
 #include "WebView2.h"
 #include "testbed/chromium/page_client.h"
 

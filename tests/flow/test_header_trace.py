@@ -21,10 +21,18 @@ class HeaderTrace(ViewerCase):
         self.assertIn("[0] SessionAuthenticationComplete. status = 1", run.trace)
         self.assertEqual([line for line in run.trace if "headers" in line], [])
 
-    def test_shows_nothing_for_a_bind_that_failed(self) -> None:
+    def test_shows_the_answer_of_a_server_that_refuses(self) -> None:
         run = self.probe("forbidden", implementation="trace")
         self.assertIn("[0] SessionAuthenticationComplete. status = 3", run.trace)
-        self.assertEqual([line for line in run.trace if "headers" in line], [])
+        answer = run.trace.index("[0] Server answered with HTTP status 403")
+        self.assertEqual(run.trace[answer + 1], "[0] Response headers:")
+        self.assertRegex(run.trace[answer + 2], r"^\[0\] HTTP/1\.1 403 ")
+        self.assertNotIn("[0] Request headers:", run.trace)
+
+    def test_shows_nothing_of_a_refusal_without_the_word(self) -> None:
+        run = self.probe("forbidden")
+        self.assertIn("[0] SessionAuthenticationComplete. status = 3", run.trace)
+        self.assertEqual([line for line in run.trace if "403" in line or "headers" in line], [])
 
     def test_cannot_be_forged_by_what_a_server_sends(self) -> None:
         run = self.probe("hostile/control-characters", implementation="trace")

@@ -1,4 +1,8 @@
 // What makes the options a COM object: its interfaces and its count.
+#include <windows.h>
+
+#include <objbase.h>
+
 #include "WebView2EnvironmentOptions.h"
 
 HRESULT STDMETHODCALLTYPE CoreWebView2EnvironmentOptions::QueryInterface(REFIID iid, void** object) {

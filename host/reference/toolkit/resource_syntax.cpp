@@ -109,7 +109,7 @@ class Parser {
     }
 
     std::string_view TakeNameCharacters() {
-        const auto* const end = std::find_if_not(rest_.begin(), rest_.end(), IsNameCharacter);
+        const auto end = std::find_if_not(rest_.begin(), rest_.end(), IsNameCharacter);
         const std::string_view taken = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
         rest_.remove_prefix(taken.size());
         return taken;

@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
+#include <objbase.h>
+
 #include "WebView2EnvironmentOptions.h"
 #include "du/file_system.h"
 #include "edge_browser_test.h"

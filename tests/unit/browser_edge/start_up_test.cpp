@@ -194,7 +194,8 @@ TEST_F(StartUp, AControllerThatComesWithAnythingButOkIsNotWired) {
     for (const HRESULT result : {S_FALSE, E_ABORT}) {
         AwaitController();
         EXPECT_EQ(runtime.CompleteController(result), result);
-        EXPECT_EQ(TakeTranscript(), result == S_FALSE ? Lines{"controller gone"} : Lines{});
+        const std::string line = "[0] Failed to create WebView2 controller " + std::to_string(result);
+        EXPECT_EQ(TakeTranscript(), result == S_FALSE ? (Lines{line, "controller gone"}) : Lines{line});
         browser.reset();
     }
 }
@@ -204,7 +205,8 @@ TEST_F(StartUp, WithoutAControllerEveryStepThatIsTracedIsTracedAsFailed) {
     EXPECT_EQ(runtime.controllerCreated->Invoke(S_OK, nullptr), S_OK);
     EXPECT_EQ(
         TakeTranscript(),
-        (Lines{"[0] Failed: get ICoreWebView2Settings error code: -2147467261", "GetClientRect of the parent",
+        (Lines{"[0] Failed to create WebView2 controller 0",
+               "[0] Failed: get ICoreWebView2Settings error code: -2147467261", "GetClientRect of the parent",
                "[0] Failed: add_ServerCertificateErrorDetected error code: -2147467261",
                "[0] Failed: add_ClientCertificateRequested error code: -2147467261",
                "[0] Failed: add_WebResourceRequested error code: -2147467261",

@@ -84,11 +84,11 @@ TEST(RecordLine, ExpiriesAreTruncatedAndStayWithinTheSystemsDates) {
         {-0.5, L"Thu, 1 Jan 1970 00:00:00 GMT"},
         {-2, L"Wed, 31 Dec 1969 23:59:58 GMT"},
         {253402300799, L"Fri, 31 Dec 9999 23:59:59 GMT"},
-        {-11644473600, L"Mon, 1 Jan 1601 00:00:00 GMT"},
-        {-1e18, L"Mon, 1 Jan 1601 00:00:00 GMT"},
-        {Double::quiet_NaN(), L"Mon, 1 Jan 1601 00:00:00 GMT"},
-        {1e300, L"Thu, 14 Sep 30828 02:48:05 GMT"},
-        {Double::infinity(), L"Thu, 14 Sep 30828 02:48:05 GMT"},
+        {-11644473600, L"Mon, 1 Jan 1601 00:00:01 GMT"},
+        {-1e18, L"Mon, 1 Jan 1601 00:00:01 GMT"},
+        {Double::quiet_NaN(), L"Mon, 1 Jan 1601 00:00:01 GMT"},
+        {1e300, L"Fri, 31 Dec 30827 23:59:59 GMT"},
+        {Double::infinity(), L"Fri, 31 Dec 30827 23:59:59 GMT"},
     };
     for (const auto& [expires, date] : expiries) {
         EXPECT_EQ(ToSetCookieString(Expiring(expires, 0)),

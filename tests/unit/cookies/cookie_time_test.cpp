@@ -10,7 +10,8 @@ namespace kelda {
 namespace {
 
 constexpr std::uint64_t kEpoch = 116'444'736'000'000'000;
-constexpr std::uint64_t kLast = 9'223'372'036'850'000'000;
+constexpr std::uint64_t kFirst = 10'000'000;
+constexpr std::uint64_t kLast = 9'223'149'887'990'000'000;
 
 FILETIME FromIntervals(std::uint64_t intervals) {
     return {static_cast<DWORD>(intervals & 0xFFFFFFFFU), static_cast<DWORD>(intervals >> 32U)};
@@ -47,10 +48,10 @@ TEST(CookieTime, ExpiriesLoseTheirFractionOfASecond) {
         {-0.999, kEpoch},
         {-1, kEpoch - 10'000'000},
         {1623233894.9, 132'677'074'940'000'000},
-        {-11644473600, 0},
-        {-11644473599, 10'000'000},
-        {910692730085, kLast},
-        {910692730084.5, kLast - 10'000'000},
+        {-11644473599, kFirst},
+        {-11644473598, 2 * kFirst},
+        {910670515199, kLast},
+        {910670515198.5, kLast - 10'000'000},
     };
     for (const auto& [expires, intervals] : expiries) {
         EXPECT_EQ(IntervalsOf(expires), intervals) << expires;
@@ -59,12 +60,12 @@ TEST(CookieTime, ExpiriesLoseTheirFractionOfASecond) {
 
 TEST(CookieTime, ExpiriesBeyondTheSystemsDatesBecomeItsFirstOrLastSecond) {
     using Double = std::numeric_limits<double>;
-    for (const double future : {910692730086.0, 1e15, 9.3e18, 1e300, Double::infinity()}) {
+    for (const double future : {910670515200.0, 1e15, 9.3e18, 1e300, Double::infinity()}) {
         EXPECT_EQ(IntervalsOf(future), kLast) << future;
     }
     for (const double past :
-         {-11644473601.0, -1e15, -9.3e18, -1e300, -Double::infinity(), Double::quiet_NaN()}) {
-        EXPECT_EQ(IntervalsOf(past), 0U) << past;
+         {-11644473600.0, -1e15, -9.3e18, -1e300, -Double::infinity(), Double::quiet_NaN()}) {
+        EXPECT_EQ(IntervalsOf(past), kFirst) << past;
     }
 }
 
@@ -75,7 +76,8 @@ TEST(CookieTime, TheFirstAndTheLastSecondAreDatesToTheSystem) {
     EXPECT_EQ(fields.wYear, 1601);
     const FILETIME last = FileTimeFromExpires(1e15);
     ASSERT_TRUE(FileTimeToSystemTime(&last, &fields));
-    EXPECT_EQ(fields.wYear, 30828);
+    EXPECT_EQ(fields.wYear, 30827);
+    EXPECT_EQ(fields.wSecond, 59);
 }
 
 } // namespace

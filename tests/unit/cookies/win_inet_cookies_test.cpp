@@ -99,7 +99,7 @@ TEST_F(WinInetStore, TheExpiryAloneDecidesWhetherItIsWritten) {
         {0.0, "116444736000000000"},
         {-2.0, "116444735980000000"},
         {1623233894.9, "132677074940000000"},
-        {-11644473600.0, "0"},
+        {-11644473600.0, "10000000"},
     };
     for (const std::int32_t session : {0, 1}) {
         for (const auto& [expires, written] : table) {

@@ -34,7 +34,7 @@ void* operator new(std::size_t size) {
         throw std::bad_alloc();
     }
     if (large) {
-        auto* const place = std::find(largeBlocks.begin(), largeBlocks.end(), nullptr);
+        auto place = std::find(largeBlocks.begin(), largeBlocks.end(), nullptr);
         if (place == largeBlocks.end()) {
             std::abort(); // an exception would be taken for the failure that a test has asked for
         }

@@ -1,6 +1,10 @@
 // What follows the probe: the login dialog for one of its outcomes, and a plain answer for every other. Probe and dialog are
 // the tests' own.
+#include <algorithm>
+#include <functional>
+#include <new>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -19,6 +23,7 @@ namespace {
 
 AuthenticationStatus probeStatus = AuthenticationStatus::None;
 bool dialogResult = false;
+std::function<void()> duringProbe;
 
 } // namespace
 
@@ -40,6 +45,9 @@ HWND ServerBasicAuthentication::GetParentWindow() {
 }
 
 AuthenticationStatus ProbeServer(ServerBasicAuthentication& authentication) {
+    if (const auto act = std::exchange(duringProbe, nullptr)) {
+        act();
+    }
     Record("probe of " + authentication.ServerUrl() + " and " + authentication.UrlPath());
     return probeStatus;
 }
@@ -103,6 +111,29 @@ TEST_F(AuthenticatedServer, IsProbedWithoutAPathWhereThatIsNull) {
     Outcome(AuthenticationStatus::FormBasedRequired, true, "http://server", nullptr);
     EXPECT_EQ(TakeCalls(),
               (Lines{"probe of http://server and ", "dialog \"Log in f\xc3\xbcr\" http://server"}));
+}
+
+TEST_F(AuthenticatedServer, IsAskedForOnceAtATime) {
+    duringProbe = [] {
+        EXPECT_FALSE(AuthenticateServer(L"", L"", "viewer", "http://other", nullptr));
+        std::thread([] {
+            EXPECT_FALSE(AuthenticateServer(L"", L"", "viewer", "http://third", nullptr));
+        }).join();
+        const std::string line =
+            "[0] AuthenticateServer() is still going on in this process - not started again";
+        const Lines lines = TakeTranscript();
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), line), 2);
+        EXPECT_EQ(lines.size(), 4U) << "the first call's own two lines beside";
+    };
+    EXPECT_TRUE(Outcome(AuthenticationStatus::Authenticated, false));
+    EXPECT_EQ(TakeCalls(), Lines{"probe of http://server/ and documents"});
+    EXPECT_TRUE(Outcome(AuthenticationStatus::Authenticated, false)) << "the next call";
+}
+
+TEST_F(AuthenticatedServer, ThatFailsWithAnExceptionCanBeAskedForAgain) {
+    duringProbe = [] { throw std::bad_alloc(); };
+    EXPECT_THROW(Outcome(AuthenticationStatus::Authenticated, false), std::bad_alloc);
+    EXPECT_TRUE(Outcome(AuthenticationStatus::Authenticated, false));
 }
 
 TEST_F(AuthenticatedServer, IsNeverShownADialogByTheProbeAlone) {

@@ -63,6 +63,21 @@ TEST_F(BrowserFactory, OtherValuesLeaveTheChoiceToTheCheck) {
     }
 }
 
+TEST_F(BrowserFactory, KeepsItsModuleLoadedForGood) {
+    DWORD flags = 0;
+    HMODULE module = nullptr;
+    const test_support::ReplacedImport<struct Pin, decltype(GetModuleHandleExW)> pin(
+        "kernel32.dll", "GetModuleHandleExW", [&](DWORD given, LPCWSTR address, HMODULE* result) {
+            flags = given;
+            const BOOL found = decltype(pin)::Original(given, address, result);
+            module = *result;
+            return found;
+        });
+    Made();
+    EXPECT_EQ(flags, DWORD{GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS});
+    EXPECT_EQ(module, GetModuleHandleW(nullptr)) << "the module that the code is linked into";
+}
+
 TEST_F(BrowserFactory, WithoutARuntimeTheLegacyBrowserServes) {
     runtime.script.answers["GetAvailableCoreWebView2BrowserVersionString"] = E_FAIL;
     EXPECT_EQ(Made(), Backend::Legacy);

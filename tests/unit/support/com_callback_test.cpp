@@ -6,6 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
+#include <objbase.h>
+
 #include "WebView2.h"
 #include "tests/support/transcript.h"
 

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string>
 
+#include <objbase.h>
+
 #include "WebView2.h"
 #include "tests/support/replaced_import.h"
 

@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <objbase.h>
+
 #include "WebView2.h"
 #include "testbed/webview2_runtime/execute_script_handler.h"
 #include "tests/support/canned_server.h"
