@@ -9,10 +9,10 @@ CONTAINERS = ("array", "deque", "list", "map", "set", "span", "string", "string_
 STREAMS = ("fstream", "iostream", "sstream")
 
 _STANDARD_HEADERS = {
-    "algorithm": "all_of any_of clamp copy_if copy_n count count_if equal fill_n find find_if find_if_not for_each for_each_n "
+    "algorithm": "all_of any_of clamp copy copy_if copy_n count count_if equal fill_n find find_if find_if_not for_each for_each_n "
                  "includes max min none_of ranges remove_if replace reverse sort transform",
     "array": "array",
-    "atomic": "atomic",
+    "atomic": "atomic atomic_flag",
     "charconv": "from_chars to_chars chars_format",
     "chrono": "chrono",
     "cmath": "isfinite nan",
