@@ -35,7 +35,7 @@ enum class AuthenticationStatus : std::int32_t {
 /// @param captionText  Caption of the credential prompt.
 /// @param ownerDevice  Name (UTF-8) of the host UI toolkit's device that owns the operation. Must not be null. A name
 ///                     that the toolkit does not know is no error: the desktop's window takes the device's place.
-///                     It owns the prompt; what owns the dialog is the toolkit's choice.
+///                     Nothing owns the prompt; what owns the dialog is the toolkit's choice.
 /// @param serverUrl    Address of the server, UTF-8. Must not be null. Also the name under which the user's answer is
 ///                     kept in the Windows credential store, character by character: the same server with and without
 ///                     a trailing slash are two entries. The login page is looked for below it, whatever `urlPath` is;
