@@ -2,10 +2,21 @@
 #include <utility>
 
 #include "browser_edge/impl.h"
+#include "support/com_boundary.h"
 #include "support/com_call.h"
 #include "support/failed_call.h"
 
 namespace kelda {
+namespace {
+
+/// Succeeded, of a step after which the next one is taken even if there is no memory for the line.
+void TraceStep(HRESULT status, const char* operation) noexcept {
+    if (FAILED(status)) {
+        TraceException(operation, status);
+    }
+}
+
+} // namespace
 
 // All that it lets go of is taken out of this object first: stopping and closing pump messages, in which the owner may
 // call Destroy again, which then finds nothing to do, or delete this object.
@@ -16,23 +27,28 @@ void ZanWebBrowserEdge::Impl::Destroy() {
 
     HRESULT status = S_OK;
     if (objects.webView) {
-        UnregisterEvents(objects);
+        AtComBoundary(
+            [&] {
+                UnregisterEvents(objects);
+                return S_OK;
+            },
+            TraceException);
         status = CallOn(objects.webView, &ICoreWebView2::RemoveHostObjectFromScript, L"external");
-        Succeeded(status, "RemoveHostObjectFromScript");
+        TraceStep(status, "RemoveHostObjectFromScript");
     }
     if (!scriptId.empty()) {
         status =
             CallOn(objects.webView, &ICoreWebView2::RemoveScriptToExecuteOnDocumentCreated, scriptId.c_str());
-        Succeeded(status, "RemoveScriptToExecuteOnDocumentCreated");
+        TraceStep(status, "RemoveScriptToExecuteOnDocumentCreated");
     }
     if (objects.webView) {
         status = CallOn(objects.webView, &ICoreWebView2::Stop);
-        Succeeded(status, "WebView2 Stop()");
+        TraceStep(status, "WebView2 Stop()");
     }
     if (objects.controller) {
         // What Close returns is not kept: the line tells the status of the step before. It is kept that way on purpose.
         CallOn(objects.controller, &ICoreWebView2Controller::Close);
-        Succeeded(status, "WebView2 Close()");
+        TraceStep(status, "WebView2 Close()");
         objects.controller.Reset();
     }
     objects.webView.Reset();

@@ -30,8 +30,10 @@ void ZanWebBrowserIE::Impl::Create(Callback* callback, HWND parent) {
         kWebBrowserIETrace.Warning() << "Failed to establish a connection with the event source";
         return;
     }
-    ApplyUserAgent();
-    Navigate();
+    if (webBrowser_) { // else the owner has taken it down meanwhile
+        ApplyUserAgent();
+        Navigate();
+    }
 }
 
 void ZanWebBrowserIE::Impl::MakeControl() {
@@ -50,9 +52,15 @@ bool ZanWebBrowserIE::Impl::Connect() {
     if (eventCookie_ != kNotConnected) {
         return true;
     }
+    const ComPtr<IConnectionPoint> source = EventSource();
     DWORD cookie = 0;
-    if (FAILED(CallOn(EventSource(), &IConnectionPoint::Advise, static_cast<IDispatch*>(this), &cookie))) {
+    if (FAILED(CallOn(source, &IConnectionPoint::Advise, static_cast<IDispatch*>(this), &cookie))) {
         return false;
+    }
+    if (!webBrowser_) {
+        // Taken down meanwhile, when there was no connection yet that could have been ended.
+        CallOn(source, &IConnectionPoint::Unadvise, cookie);
+        return true;
     }
     eventCookie_ = cookie;
     return true;

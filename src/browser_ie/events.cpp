@@ -8,6 +8,7 @@
 
 #include "browser_ie/impl.h"
 #include "support/com_boundary.h"
+#include "support/failed_call.h"
 #include "support/trace.h"
 
 namespace kelda {
@@ -81,14 +82,16 @@ HRESULT ZanWebBrowserIE::Impl::GetIDsOfNames(REFIID /*iid*/, LPOLESTR* names, UI
 HRESULT ZanWebBrowserIE::Impl::Invoke(DISPID id, REFIID /*iid*/, LCID /*locale*/, WORD flags,
                                       DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* /*exception*/,
                                       UINT* /*wrongArgument*/) {
-    return AtComBoundary([&] {
-        if ((flags & DISPATCH_PROPERTYGET) != 0) {
-            GetMember(id, result);
-        } else if ((flags & DISPATCH_METHOD) != 0) {
-            OnEvent(id, parameters);
-        }
-        return S_OK;
-    });
+    return AtComBoundary(
+        [&] {
+            if ((flags & DISPATCH_PROPERTYGET) != 0) {
+                GetMember(id, result);
+            } else if ((flags & DISPATCH_METHOD) != 0) {
+                OnEvent(id, parameters);
+            }
+            return S_OK;
+        },
+        TraceLegacyException);
 }
 
 void ZanWebBrowserIE::Impl::GetMember(DISPID id, VARIANT* result) {

@@ -6,7 +6,9 @@
 #include <exdispid.h>
 #include <objbase.h>
 
+#include "support/com_boundary.h"
 #include "support/com_call.h"
+#include "support/failed_call.h"
 #include "support/target_address.h"
 #include "support/trace.h"
 
@@ -19,8 +21,13 @@ ZanWebBrowserIE::Impl::Impl(const du::Symbol& serverUrl, int checkMode)
 
 // COM is ended once, whatever InitializeCom found.
 ZanWebBrowserIE::Impl::~Impl() {
-    if (oleObject_) {
-        Destroy(); // after a Create that ran out of memory
+    if (oleObject_) { // after a Create that ran out of memory
+        AtComBoundary(
+            [this] {
+                Destroy();
+                return S_OK;
+            },
+            TraceLegacyException);
     }
     RemoveKeyboardHook();
     CoUninitialize();

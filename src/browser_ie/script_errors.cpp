@@ -1,4 +1,5 @@
 // A script error is a line in the trace: no box, and the page's scripts go on.
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -9,6 +10,7 @@
 #include "du/string_utilities.h"
 #include "support/com_boundary.h"
 #include "support/com_call.h"
+#include "support/failed_call.h"
 #include "support/trace.h"
 
 using Microsoft::WRL::ComPtr;
@@ -19,6 +21,9 @@ namespace {
 // Of CGID_DocHostCommandHandler, which the platform's libraries do not have under that name everywhere.
 constexpr GUID kDocHostCommands = {
     0xF38BC242, 0xB950, 0x11D1, {0x89, 0x18, 0x00, 0xC0, 0x4F, 0xC2, 0xC8, 0x36}};
+
+/// Of a field in the trace, in UTF-16 units: a page decides how long its texts are.
+constexpr std::size_t kLongestText = 4096;
 
 constexpr std::array<const wchar_t*, 5> kFields = {L"errorUrl", L"errorMessage", L"errorCode", L"errorLine",
                                                    L"errorCharacter"};
@@ -55,7 +60,8 @@ std::string TextOf(ScopedVariant& value) {
         (value.vt == VT_BSTR && SUCCEEDED(VariantCopy(&text, &value))) ||
         (IsNumber(value.vt) &&
          SUCCEEDED(VariantChangeTypeEx(&text, &value, LOCALE_INVARIANT, VARIANT_NOUSEROVERRIDE, VT_BSTR)));
-    return given ? du::WideStrToUtf8({text.bstrVal, SysStringLen(text.bstrVal)}) : std::string();
+    const std::size_t length = given ? std::min(std::size_t{SysStringLen(text.bstrVal)}, kLongestText) : 0;
+    return du::WideStrToUtf8({text.bstrVal, length});
 }
 
 std::string FieldOf(const ComPtr<IDispatch>& event, std::wstring name) {
@@ -100,10 +106,12 @@ HRESULT ZanWebBrowserIE::Impl::Exec(const GUID* group, DWORD command, DWORD /*op
         output->vt = VT_BOOL;
         output->boolVal = VARIANT_TRUE;
     }
-    AtComBoundary([&] {
-        TraceError(EventOf(ObjectIn(input)));
-        return S_OK;
-    });
+    AtComBoundary(
+        [&] {
+            TraceError(EventOf(ObjectIn(input)));
+            return S_OK;
+        },
+        TraceLegacyException);
     return S_OK;
 }
 

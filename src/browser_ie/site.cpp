@@ -58,6 +58,7 @@ HRESULT ZanWebBrowserIE::Impl::OnInPlaceActivate() {
 HRESULT ZanWebBrowserIE::Impl::OnInPlaceDeactivate() {
     LockRunning(FALSE);
     inPlaceObject_.Reset();
+    controlWindow_ = nullptr;
     return S_OK;
 }
 

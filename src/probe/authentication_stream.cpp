@@ -9,6 +9,7 @@
 #include "probe/bind_error_names.h"
 #include "probe/header_trace.h"
 #include "support/com_boundary.h"
+#include "support/failed_call.h"
 #include "support/trace.h"
 
 using Microsoft::WRL::ComPtr;
@@ -163,18 +164,22 @@ HRESULT AuthenticationStream::OnStopBinding(HRESULT result, LPCWSTR /*error*/) {
         return S_OK; // a binding ends once: what it held has been given back
     }
     // Each step is taken whatever becomes of the one before.
-    AtComBoundary([this, result] {
-        if (FAILED(result)) {
-            ReportFailedBinding(result);
-        } else {
-            ReportFinishedBinding();
-        }
-        return S_OK;
-    });
-    AtComBoundary([this] {
-        callback_.SessionAuthenticationComplete(static_cast<int>(status_));
-        return S_OK;
-    });
+    AtComBoundary(
+        [this, result] {
+            if (FAILED(result)) {
+                ReportFailedBinding(result);
+            } else {
+                ReportFinishedBinding();
+            }
+            return S_OK;
+        },
+        TraceProbeException);
+    AtComBoundary(
+        [this] {
+            callback_.SessionAuthenticationComplete(static_cast<int>(status_));
+            return S_OK;
+        },
+        TraceProbeException);
     ReleaseBinding();
     Release(); // taken in Open; this object may be gone from here on
     return S_OK;

@@ -6,6 +6,7 @@
 #include "probe/header_trace.h"
 #include "support/com_boundary.h"
 #include "support/com_text.h"
+#include "support/failed_call.h"
 #include "support/trace.h"
 #include "support/wipe.h"
 
@@ -38,10 +39,12 @@ HRESULT AuthenticationStream::OnResponse(DWORD responseCode, LPCWSTR responseHea
         // A challenge that is still to be answered does not come here, so a 401 is the server's last word.
         status_ = responseCode == kHttpUnauthorized ? AuthenticationStatus::Unauthorized
                                                     : AuthenticationStatus::Failed;
-        AtComBoundary([&] {
-            TraceRefusedResponse(responseCode, responseHeaders);
-            return S_OK;
-        });
+        AtComBoundary(
+            [&] {
+                TraceRefusedResponse(responseCode, responseHeaders);
+                return S_OK;
+            },
+            TraceProbeException);
         return E_ABORT;
     }
     if (status_ == AuthenticationStatus::FormBasedRequired) {
@@ -68,32 +71,34 @@ HRESULT AuthenticationStream::OnSecurityProblem(DWORD /*problem*/) {
 
 HRESULT AuthenticationStream::Authenticate(HWND* window, LPWSTR* userName, LPWSTR* password) {
     *window = GetDesktopWindow();
-    return AtComBoundary([this, userName, password] {
-        ComText givenUserName;
-        ComText givenPassword;
-        const DWORD error = AskUser(givenUserName, givenPassword);
-        switch (error) {
-        case ERROR_SUCCESS:
-            kBasicAuthenticationTrace.Info()
-                << "Credentials were sent successfully to server following Authenticate() callback";
-            // Last, as nothing can fail any more: a caller that is told of a failure takes no credentials over.
-            *userName = givenUserName.release();
-            *password = givenPassword.release();
-            status_ =
-                AuthenticationStatus::FormBasedRequired; // turned into Authenticated by a 200 that follows
-            return S_OK;
-        case ERROR_CANCELLED:
-            status_ = AuthenticationStatus::Cancelled;
-            kBasicAuthenticationTrace.Info()
-                << "Sending of Credentials to server following Authenticate() callback was cancelled by user";
-            return E_INVALIDARG; // ends the binding
-        default:
-            // The stack goes on without credentials, and the server's final answer decides.
-            kBasicAuthenticationTrace.Failure()
-                << "CredUIPromptForCredentials() failed. Error code = " << error;
-            return S_OK;
-        }
-    });
+    return AtComBoundary(
+        [this, userName, password] {
+            ComText givenUserName;
+            ComText givenPassword;
+            const DWORD error = AskUser(givenUserName, givenPassword);
+            switch (error) {
+            case ERROR_SUCCESS:
+                kBasicAuthenticationTrace.Info()
+                    << "Credentials were sent successfully to server following Authenticate() callback";
+                // Last, as nothing can fail any more: a caller that is told of a failure takes no credentials over.
+                *userName = givenUserName.release();
+                *password = givenPassword.release();
+                status_ = AuthenticationStatus::
+                    FormBasedRequired; // turned into Authenticated by a 200 that follows
+                return S_OK;
+            case ERROR_CANCELLED:
+                status_ = AuthenticationStatus::Cancelled;
+                kBasicAuthenticationTrace.Info() << "Sending of Credentials to server following "
+                                                    "Authenticate() callback was cancelled by user";
+                return E_INVALIDARG; // ends the binding
+            default:
+                // The stack goes on without credentials, and the server's final answer decides.
+                kBasicAuthenticationTrace.Failure()
+                    << "CredUIPromptForCredentials() failed. Error code = " << error;
+                return S_OK;
+            }
+        },
+        TraceProbeException);
 }
 
 DWORD AuthenticationStream::AskUser(ComText& userName, ComText& password) {

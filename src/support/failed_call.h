@@ -1,4 +1,4 @@
-// How the WebView2 backend and the cookie code trace a failed call.
+// How the WebView2 backend and the cookie code trace a failed call, and all parts an exception.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +10,9 @@ namespace kelda {
 /// @return whether the call succeeded.
 bool Succeeded(HRESULT result, const char* operation);
 
-/// Traces an exception that ends at a COM callback as a failed call; never throws.
+// Each traces an exception that ends at a COM callback as a failed call, in the trace of its part of the library. None throws.
 void TraceException(const char* text, HRESULT code) noexcept;
+void TraceProbeException(const char* text, HRESULT code) noexcept;
+void TraceLegacyException(const char* text, HRESULT code) noexcept;
 
 } // namespace kelda

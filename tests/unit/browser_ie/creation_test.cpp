@@ -111,6 +111,16 @@ TEST_F(Creation, ABrowserThatIsConnectedConnectsNoSecondTime) {
     EXPECT_EQ(again.back(), kNavigates.back());
 }
 
+TEST_F(Creation, ABrowserThatIsTakenDownWhileItConnectsIsNotConnectedAndLoadsNothing) {
+    MakeBrowser();
+    control.script.during["eventSource.Advise"] = [this] { browser->Destroy(); };
+    Create();
+    const Lines lines = TakeTranscript();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "eventSource.Unadvise 71"), 1);
+    EXPECT_EQ(lines.back(), "eventSource gone");
+    EXPECT_EQ(control.sink.Get(), nullptr);
+}
+
 TEST_F(Creation, ABrowserThatIsCreatedAgainAfterItsTeardownComesUpAgain) {
     BringUp();
     browser->Destroy();

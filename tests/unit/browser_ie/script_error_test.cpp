@@ -134,6 +134,15 @@ TEST_F(ScriptError, FieldsMayBeTextsOrNumbersOfEveryKind) {
                             "errorCode: -2146823281, errorLine: seventeen, errorCharacter: 4294967295");
 }
 
+TEST_F(ScriptError, TextsAreCutAfter4096Characters) {
+    const std::wstring longText(100'000, L'x');
+    fields[L"errorUrl"] = longText.c_str();
+    fields[L"errorMessage"] = longText.c_str();
+    const std::string shown(4096, 'x');
+    EXPECT_EQ(Told(&input), "[0] Script error: errorUrl: " + shown + ", errorMessage: " + shown +
+                                ", errorCode: 0, errorLine: 17, errorCharacter: 5");
+}
+
 TEST_F(ScriptError, NumbersMayBeOfOneByte) {
     FakeField& line = fields[L"errorLine"];
     line = 0L;
@@ -152,6 +161,10 @@ TEST_F(ScriptError, WithoutTheMemoryForItsLineTheScriptsGoOn) {
     EXPECT_EQ(Exec(&kDocHostCommands, kShowScriptError, &input, &goOn), S_OK);
     EXPECT_EQ(goOn.vt, VT_BOOL);
     EXPECT_EQ(goOn.boolVal, VARIANT_TRUE);
+    const Lines lines = TakeTraceLines();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_TRUE(lines[0].starts_with("[0] Failed: ") && lines[0].ends_with(" error code: -2147024882"))
+        << lines[0];
 }
 
 TEST_F(ScriptError, FieldsThatAreNeitherAreEmpty) {

@@ -136,6 +136,12 @@ TEST_F(Site, TheDeactivatedControlIsUnlockedAndFittedNoMore) {
     EXPECT_EQ(TakeTranscript(), (Lines{"GetClientRect of the parent", "oleObject.SetExtent 1 16933x10160"}));
 }
 
+TEST_F(Site, TheDeactivatedControlHasNoWindow) {
+    EXPECT_NE(browser->GetWindowHandle(), nullptr);
+    control.Site<IOleInPlaceSite>()->OnInPlaceDeactivate();
+    EXPECT_EQ(browser->GetWindowHandle(), nullptr);
+}
+
 TEST_F(Site, AControlThatIsGoneIsNeitherLockedNorUnlocked) {
     const auto place = control.Site<IOleInPlaceSite>();
     browser->Destroy();

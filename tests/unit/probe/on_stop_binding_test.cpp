@@ -196,6 +196,7 @@ TEST_F(StoppedBinding, TheCallbackIsToldWhereTheTraceBreaksDown) {
     binding->hasHttpInfo = true;
     binding->queryInfo = [](DWORD, void*, DWORD*) -> HRESULT { throw std::bad_alloc(); };
     EXPECT_EQ(Stop(S_OK), (Lines{"query IWinInetHttpInfo", "QueryInfo 0x20000013 into 4 bytes",
+                                 "[0] Failed: std::bad_alloc error code: -2147024882",
                                  "SessionAuthenticationComplete 0"}));
 }
 
