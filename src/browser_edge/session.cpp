@@ -32,14 +32,16 @@ void ZanWebBrowserEdge::Impl::OnSessionAuthenticated() {
 // A page may report again and again: while one report is on its way, the cookies are not asked for once more. Where they
 // cannot be had nothing more is done: the owner is still there to be told, and the page may report again.
 void ZanWebBrowserEdge::Impl::AskForSessionCookies() {
-    if (std::exchange(reportUnderWay_, true)) {
+    if (reportUnderWay_) {
         return;
     }
     const CallbackTarget<Impl> target = target_;
+    const std::wstring url = du::Utf8ToWideStr(url_.safe_c_str());
     const auto completed =
         MakeCallback<ICoreWebView2GetCookiesCompletedHandler>(target, &Impl::OnGetCookiesCompleted);
-    const HRESULT result = CallOn(cookieManager_, &ICoreWebView2CookieManager::GetCookies,
-                                  du::Utf8ToWideStr(url_.safe_c_str()).c_str(), completed.Get());
+    reportUnderWay_ = true;
+    const HRESULT result =
+        CallOn(cookieManager_, &ICoreWebView2CookieManager::GetCookies, url.c_str(), completed.Get());
     if (FAILED(result) && *target != nullptr) {
         reportUnderWay_ = false;
     }
@@ -63,10 +65,10 @@ HRESULT ZanWebBrowserEdge::Impl::OnGetCookiesCompleted(HRESULT result, ICoreWebV
 // same. If there is no timer, a few bytes are lost.
 void ZanWebBrowserEdge::Impl::ReportFromMessageLoop(const CallbackTarget<Impl>& target) {
     constexpr int kMilliseconds = 1;
+    auto* const data = new CallbackTarget<Impl>(target);
     if (Impl* const impl = *target; impl != nullptr) {
         impl->reportUnderWay_ = true;
     }
-    auto* const data = new CallbackTarget<Impl>(target);
     const int answer = ui_set_timer(kMilliseconds, &ReportSessionAuthenticated, data);
     if (answer == 0) {
         return;
