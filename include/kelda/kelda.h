@@ -60,7 +60,8 @@ KELDA_API bool AuthenticateServer(const std::wstring& promptText, const std::wst
 
 /// Runs only the probe of `AuthenticateServer`, the credential prompt included, and tells what came of it.
 ///
-/// Arguments, threading, ownership and errors are those of `AuthenticateServer`; an empty `urlPath` appends nothing.
+/// Arguments, threading, ownership and errors are those of `AuthenticateServer`; an empty `urlPath` appends nothing. Nothing
+/// keeps it from being called while another call is running.
 ///
 /// @return What the server's answers amount to. The trace tells more.
 KELDA_API AuthenticationStatus ApplyBasicAuthentication(const std::wstring& promptText,

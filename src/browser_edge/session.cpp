@@ -61,8 +61,8 @@ HRESULT ZanWebBrowserEdge::Impl::OnGetCookiesCompleted(HRESULT result, ICoreWebV
 }
 
 // The owner is not told from inside the runtime's completion: what it does then may be anything, a modal dialog's end
-// included. The data is the timer's whatever the toolkit answers: one that answers the timer's number calls back all the
-// same. If there is no timer, a few bytes are lost.
+// included. The data belongs to the timer even if the answer is not 0, because a toolkit may answer the timer's number. If
+// no timer was set, the data leaks: a few bytes.
 void ZanWebBrowserEdge::Impl::ReportFromMessageLoop(const CallbackTarget<Impl>& target) {
     constexpr int kMilliseconds = 1;
     auto* const data = new CallbackTarget<Impl>(target);

@@ -75,7 +75,7 @@ bool IsSetCookie(std::wstring_view name) {
     return std::ranges::equal(name, std::wstring_view(L"set-cookie"), {}, lower);
 }
 
-/// What goes wrong with one cookie, such as a date whose numbers are none, ends here: the next one may be the session's.
+/// An exception for one cookie, such as an unreadable date, ends here, because the next cookie may be the session's.
 void CaptureSetCookie(const std::wstring& uri, const std::wstring& value, bool trace) {
     AtComBoundary(
         [&] {

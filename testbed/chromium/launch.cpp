@@ -33,7 +33,7 @@ constexpr std::wstring_view kLauncher =
     L" POSIX::dup2(0, 3); POSIX::dup2(0, 4); open(STDIN, '<', '/dev/null'); open(STDOUT, '>', '/dev/null');"
     L" exec('/usr/bin/chromium', @ARGV, $> == 0 ? '--no-sandbox' : ()); POSIX::_exit(127);"
     L"}"
-    // Chromium ends itself when its host does; whoever ends the host by its process group ends neither of these two.
+    // A signal to the host's process group ends Chromium; launcher and guard stay to clean up after it.
     L"$SIG{TERM} = $SIG{INT} = 'IGNORE';"
     L"my $guard = fork;"
     L"if (defined $guard && $guard == 0) {"

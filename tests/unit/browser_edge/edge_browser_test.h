@@ -187,7 +187,7 @@ class EdgeBrowserTest : public test_support::TranscriptTest {
     };
     std::vector<Timer> timers;
     int timerResult = 0;
-    bool timerIsSet = true; // whatever the result
+    bool timerIsSet = true; // independent of the result
     test_support::ReplacedImport<struct ToolkitTimer, decltype(ui_set_timer)> setTimer{
         "host_toolkit.dll", "ui_set_timer", [this](int milliseconds, UiCallback callback, void* data) {
             test_support::Record("ui_set_timer " + std::to_string(milliseconds));

@@ -46,7 +46,7 @@ class ProfileFolder {
     void KillRenderers() const;
     /// Stops that process; it goes on after so many seconds.
     void HoldChromium(int seconds) const;
-    /// Stops that process for good.
+    /// Stops that process; nothing lets it go on.
     void StopChromium() const;
 
   private:
